@@ -1,0 +1,24 @@
+// Message boxes go through one presenter: Qt in the editor, standard error when headless, a
+// recorder in tests. The caller blocks until the presenter answers, as with a modal box.
+#pragma once
+
+#include <string>
+
+// Button and icon flags, and answers, with the platform's values.
+inline constexpr unsigned MB_OK_FLAG = 0x0;
+inline constexpr unsigned MB_ICONWARNING_FLAG = 0x30;
+inline constexpr int ID_OK_ANSWER = 1;
+
+class CMessageBoxPresenter {
+ public:
+  // [caller's thread] Shows the box and returns the button pressed.
+  virtual int Present(const std::wstring& text, const std::wstring& caption, unsigned flags) = 0;
+
+ protected:
+  ~CMessageBoxPresenter() = default;
+};
+
+// [any thread] Shows a box through the current presenter.
+int ShowMessageBox(const std::wstring& text, const std::wstring& caption, unsigned flags);
+// [any thread] Replaces the presenter; null restores the default. Returns the previous one.
+CMessageBoxPresenter* SetMessageBoxPresenter(CMessageBoxPresenter* presenter);

@@ -1,0 +1,100 @@
+#include "platform/event.h"
+
+#include <chrono>
+
+struct CAutoResetEvent::Waiter {
+  std::mutex mutex;
+  std::condition_variable cv;
+  bool woken = false;
+};
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+Clock::time_point DeadlineAfter(std::int64_t timeoutMs) {
+  return timeoutMs < 0 ? Clock::time_point::max()
+                       : Clock::now() + std::chrono::milliseconds(timeoutMs);
+}
+
+}  // namespace
+
+void CAutoResetEvent::Set() {
+  std::lock_guard lock(m_mutex);
+  m_signalled = true;
+  m_cv.notify_one();
+  for (WaitLink* link = m_links; link; link = link->next) {
+    std::lock_guard waiterLock(link->waiter->mutex);
+    link->waiter->woken = true;
+    link->waiter->cv.notify_one();
+  }
+}
+
+bool CAutoResetEvent::TryConsumeLocked() {
+  const bool was = m_signalled;
+  m_signalled = false;
+  return was;
+}
+
+bool CAutoResetEvent::TryConsume() {
+  std::lock_guard lock(m_mutex);
+  return TryConsumeLocked();
+}
+
+void CAutoResetEvent::Link(WaitLink& link) {
+  std::lock_guard lock(m_mutex);
+  link.next = m_links;
+  m_links = &link;
+}
+
+void CAutoResetEvent::Unlink(WaitLink& link) {
+  std::lock_guard lock(m_mutex);
+  for (WaitLink** at = &m_links; *at; at = &(*at)->next) {
+    if (*at == &link) {
+      *at = link.next;
+      return;
+    }
+  }
+}
+
+bool CAutoResetEvent::Wait(std::int64_t timeoutMs) {
+  std::unique_lock lock(m_mutex);
+  const auto deadline = DeadlineAfter(timeoutMs);
+  while (!m_signalled) {
+    if (deadline == Clock::time_point::max()) {
+      m_cv.wait(lock);
+    } else if (m_cv.wait_until(lock, deadline) == std::cv_status::timeout && !m_signalled) {
+      return false;
+    }
+  }
+  return TryConsumeLocked();
+}
+
+int WaitForEither(CAutoResetEvent& first, CAutoResetEvent& second, std::int64_t timeoutMs) {
+  CAutoResetEvent::Waiter waiter;
+  CAutoResetEvent::WaitLink firstLink{&waiter, nullptr};
+  CAutoResetEvent::WaitLink secondLink{&waiter, nullptr};
+  first.Link(firstLink);
+  second.Link(secondLink);
+
+  const auto deadline = DeadlineAfter(timeoutMs);
+  int result = -1;
+  for (;;) {
+    {
+      std::lock_guard lock(waiter.mutex);
+      waiter.woken = false;
+    }
+    // A Set() after these checks flags the waiter, so the wait below cannot miss it.
+    if (first.TryConsume()) { result = 0; break; }
+    if (second.TryConsume()) { result = 1; break; }
+    std::unique_lock lock(waiter.mutex);
+    if (deadline == Clock::time_point::max()) {
+      waiter.cv.wait(lock, [&] { return waiter.woken; });
+    } else if (!waiter.cv.wait_until(lock, deadline, [&] { return waiter.woken; })) {
+      break;
+    }
+  }
+  first.Unlink(firstLink);
+  second.Unlink(secondLink);
+  return result;
+}

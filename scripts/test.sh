@@ -1,0 +1,20 @@
+#!/usr/bin/env bash
+# Builds and runs every test: the suite in the default build, under AddressSanitizer with
+# UndefinedBehaviorSanitizer, and under ThreadSanitizer; then each fuzz target for a bounded time.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+bash scripts/setup.sh
+
+jobs=$(nproc)
+for preset in default asan tsan; do
+  echo "== $preset"
+  cmake --preset "$preset" >/dev/null
+  cmake --build --preset "$preset" -j "$jobs"
+  ctest --preset "$preset" -j "$jobs"
+done
+
+if [ -d fuzz ]; then
+  echo "== fuzz"
+  bash scripts/fuzz.sh "${TARN_FUZZ_SECONDS:-30}"
+fi
+echo "== all tests passed"

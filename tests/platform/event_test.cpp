@@ -1,0 +1,77 @@
+#include <atomic>
+#include <chrono>
+#include <thread>
+
+#include <gtest/gtest.h>
+
+#include "platform/event.h"
+#include "platform/lock.h"
+#include "platform/thread.h"
+
+namespace {
+
+TEST(AutoResetEvent, ReleasesOneWaitThenClearsItself) {
+  CAutoResetEvent e;
+  e.Set();
+  e.Set();  // setting twice is still one signal
+  EXPECT_TRUE(e.Wait(0));
+  EXPECT_FALSE(e.Wait(0));
+}
+
+TEST(AutoResetEvent, TimesOutWhenNeverSet) {
+  CAutoResetEvent e;
+  const auto t0 = std::chrono::steady_clock::now();
+  EXPECT_FALSE(e.Wait(20));
+  EXPECT_GE(std::chrono::steady_clock::now() - t0, std::chrono::milliseconds(20));
+}
+
+TEST(WaitForEither, FirstWinsWhenBothAreSetAndSecondStaysSet) {
+  CAutoResetEvent stop, wake;
+  wake.Set();
+  stop.Set();
+  EXPECT_EQ(WaitForEither(stop, wake, 0), 0);
+  EXPECT_EQ(WaitForEither(stop, wake, 0), 1);
+  EXPECT_EQ(WaitForEither(stop, wake, 0), -1);
+}
+
+TEST(WaitForEither, WakesForASetFromAnotherThread) {
+  CAutoResetEvent stop, wake;
+  std::atomic<int> seen{-2};
+  CThread waiter;
+  waiter.Start([&] { seen = WaitForEither(stop, wake); }, ThreadPriority::Highest);
+  std::this_thread::sleep_for(std::chrono::milliseconds(5));
+  wake.Set();
+  waiter.Join();
+  EXPECT_EQ(seen.load(), 1);
+}
+
+TEST(WaitForEither, NoWakeIsLostUnderRepeatedHandOffs) {
+  CAutoResetEvent stop, wake, ack;
+  constexpr int kRounds = 2000;
+  std::atomic<int> received{0};
+  CThread consumer;
+  consumer.Start(
+      [&] {
+        while (WaitForEither(stop, wake) == 1) {
+          ++received;
+          ack.Set();
+        }
+      },
+      ThreadPriority::Normal);
+  for (int i = 0; i < kRounds; ++i) {
+    wake.Set();
+    ASSERT_TRUE(ack.Wait(5000)) << "round " << i;
+  }
+  stop.Set();
+  consumer.Join();
+  EXPECT_EQ(received.load(), kRounds);
+}
+
+TEST(CritSec, IsReentrant) {
+  CCritSec lock;
+  CAutoLock outer(lock);
+  CAutoLock inner(lock);  // would deadlock on a plain mutex
+  SUCCEED();
+}
+
+}  // namespace
