@@ -1,0 +1,95 @@
+// One plug-in instance: a soft synth to the host, with an audio input and output pins, that
+// makes no sound. It composes the soft-synth side, the processing class (whose critical section
+// is the instance lock), the filter frame, and the property page, automation and persistence
+// facets, all answering through one QueryInterface table.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+#include "core/dxi.h"
+#include "core/filter_pins.h"
+#include "core/ole_interfaces.h"
+#include "core/soft_synth.h"
+#include "frame/base_filter.h"
+
+// {D8DF3849-A01D-4254-A57D-5515BF9E3886}
+inline constexpr CLSID CLSID_TarnFilter =
+    MakeGuid(0xD8DF3849, 0xA01D, 0x4254, 0xA5, 0x7D, 0x55, 0x15, 0xBF, 0x9E, 0x38, 0x86);
+// {7EE1B0E4-0780-435C-9646-D5AB1F16BAFD}
+inline constexpr CLSID CLSID_TarnPropertyPage =
+    MakeGuid(0x7EE1B0E4, 0x0780, 0x435C, 0x96, 0x46, 0xD5, 0xAB, 0x1F, 0x16, 0xBA, 0xFD);
+
+class CFilter final : public CSoftSynth,
+                      public CExternalHardwareProxyDXi,
+                      public CBaseFilter,
+                      public ISpecifyPropertyPages,
+                      public IDispatch,
+                      public IPersistStream {
+ public:
+  // The factory's creation entry: builds an instance and answers its non-delegating face, with
+  // the construction result in `*phr`; null when the allocation fails.
+  static CUnknown* CreateInstance(IUnknown* outer, HRESULT* phr);
+  ~CFilter() override;
+
+  DECLARE_IUNKNOWN
+  // IDispatch, the property pages, persistence and the instance's own interfaces, then the
+  // filter frame's.
+  HRESULT STDMETHODCALLTYPE NonDelegatingQueryInterface(REFIID iid, void** object) override;
+
+  // --- output pins (CDXiSynthContext); each takes the instance lock --------------------------
+  // A null name gives "Output %d" with the one-based count. Ids come from a process-wide
+  // counter that starts at 1 and only grows.
+  HRESULT AddOutputPin(const wchar_t* name, std::uint32_t* id) override;
+  // A connected pin is not removed (E_UNEXPECTED); with no pins at all the answer is E_FAIL.
+  HRESULT RemoveOutputPin(std::uint32_t id) override;
+  // Stops at the first connected pin, with E_UNEXPECTED.
+  HRESULT RemoveAllOutputPins() override;
+  CBasePin* FindOutputPin(std::uint32_t id) override;
+  std::int32_t GetOutputPinCount() override;
+  // The id, or -1 for an index outside the list.
+  std::int32_t GetOutputPinId(std::int32_t index) override;
+  std::int32_t ConnectedOutputCount();
+
+  // --- filter frame ---------------------------------------------------------------------------
+  // Pin 0 is the input, then the output pins in list order.
+  std::int32_t GetPinCount() override;
+  CBasePin* GetPin(std::int32_t n) override;
+  // [graph thread, instance lock] Pause from stopped starts the output worker; Stop stops it.
+  HRESULT STDMETHODCALLTYPE Pause() override;
+  HRESULT STDMETHODCALLTYPE Run(REFERENCE_TIME start) override;
+  HRESULT STDMETHODCALLTYPE Stop() override;
+  HRESULT STDMETHODCALLTYPE GetClassID(CLSID* classId) override;
+
+  // --- ISpecifyPropertyPages: exactly one page ----------------------------------------------
+  HRESULT STDMETHODCALLTYPE GetPages(CAUUID* pages) override;
+
+  // --- IDispatch: not implemented by design -----------------------------------------------------
+  HRESULT STDMETHODCALLTYPE GetTypeInfoCount(std::uint32_t*) override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE GetTypeInfo(std::uint32_t, LCID, ITypeInfo**) override {
+    return E_NOTIMPL;
+  }
+  HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, wchar_t**, std::uint32_t, LCID, DISPID*) override {
+    return E_NOTIMPL;
+  }
+  HRESULT STDMETHODCALLTYPE Invoke(DISPID, REFIID, LCID, std::uint16_t, DISPPARAMS*, VARIANT*,
+                                   EXCEPINFO*, std::uint32_t*) override {
+    return E_NOTIMPL;
+  }
+
+  // --- IPersistStream: the saved state arrives with the settings stream -------------------------
+  HRESULT STDMETHODCALLTYPE IsDirty() override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE Load(IStream*) override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE Save(IStream*, std::int32_t) override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE GetSizeMax(std::uint64_t*) override { return E_NOTIMPL; }
+
+ private:
+  CFilter(IUnknown* outer, HRESULT* phr);
+  void ReportGraphChanged();
+  CFilterOutputPin* OutputPinById(std::uint32_t id);
+
+  std::unique_ptr<CFilterInputPin> m_inputPin;
+  std::vector<CFilterOutputPin*> m_outputPins;  // each holds one reference of the list
+  std::int64_t m_inputSample = 0;
+};

@@ -1,0 +1,201 @@
+// The soft-synth side of an instance: host connection, transport and events, live input, the
+// output worker that does all sending, and the private interfaces. CFilter composes it with the
+// processing class and the filter frame.
+//
+// Threads: host threads call the Mfx interfaces under the instance lock; the streaming thread
+// runs the event window and the clock under it; the output worker sends without it; the editor
+// thread calls IMyFilter, which takes no instance lock.
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <vector>
+
+#include "core/dxi.h"
+#include "core/mfx_interfaces.h"
+#include "core/my_filter.h"
+#include "core/shared_host_ref.h"
+#include "documents/stored_event.h"
+#include "platform/com_ptr.h"
+#include "platform/lock.h"
+#include "platform/notify.h"
+#include "ports/host_midi_ports.h"
+
+struct WorkerRun;
+class WorkerThread;
+
+// The worker's block. `run` stands for the thread: non-null while the worker runs.
+struct WorkerBlock {
+  std::shared_ptr<WorkerRun> run;
+  std::atomic<NotifyHandle> m_notifyWindow{0};
+};
+
+class CSoftSynth : public CDXiSynthContext,
+                   public IMfxSoftSynth2,
+                   public IMfxNotify,
+                   public IMfxInputPort,
+                   public IMyFilter,
+                   public IExternalDeviceProxy3 {
+ public:
+  CSoftSynth();
+  ~CSoftSynth() override;
+  CSoftSynth(const CSoftSynth&) = delete;
+  CSoftSynth& operator=(const CSoftSynth&) = delete;
+
+  // --- output worker ---------------------------------------------------------------------
+  // [any thread] Queues a deep copy and wakes the worker. E_FAIL, and the event is lost, while
+  // the worker does not run.
+  HRESULT PostToWorker(const CStoredEvent& event);
+  // [graph thread, instance lock] Empties the queue and starts a worker at the highest
+  // priority.
+  HRESULT StartWorker();
+  // [graph thread, instance lock] Drops what is queued and asks the worker to end. Returns at
+  // once: a worker inside a batch finishes that batch, pauses included, then ends.
+  HRESULT StopWorker();
+  // [any thread] Posts every enabled stored event, in list order; always 0.
+  HRESULT SendEnabledEvents();
+
+  // --- IMfxSoftSynth2 ----------------------------------------------------------------------
+  HRESULT STDMETHODCALLTYPE Connect(IUnknown* context) override;
+  HRESULT STDMETHODCALLTYPE Disconnect() override;
+  HRESULT STDMETHODCALLTYPE OnStart(std::int32_t tick) override;
+  HRESULT STDMETHODCALLTYPE OnLoop(std::int32_t from, std::int32_t to) override;
+  HRESULT STDMETHODCALLTYPE OnStop(std::uint32_t unread) override;
+  HRESULT STDMETHODCALLTYPE OnEvents(std::uint32_t unread1, std::uint32_t unread2,
+                                     std::int32_t channelKey, IHostEventList* list) override;
+  HRESULT STDMETHODCALLTYPE OnInput(std::uint32_t unread, IHostDataList* list) override;
+  HRESULT STDMETHODCALLTYPE GetBanks(std::int32_t** banks, std::int32_t* count) override;
+  HRESULT STDMETHODCALLTYPE QueryPatchFalse(std::int32_t bank, std::int32_t patch) override;
+  HRESULT STDMETHODCALLTYPE QueryPatchTrue(std::int32_t bank, std::int32_t patch) override;
+  HRESULT STDMETHODCALLTYPE GetPatchNames(std::int32_t bank, IMfxNameList** names) override;
+  HRESULT STDMETHODCALLTYPE ReservedQuery(std::int32_t a, std::int32_t b, void* c) override;
+  HRESULT STDMETHODCALLTYPE GetControllerNames(IMfxNameList** names) override;
+  HRESULT STDMETHODCALLTYPE ReservedListA(void* a) override;
+  HRESULT STDMETHODCALLTYPE ReservedListB(void* a) override;
+  HRESULT STDMETHODCALLTYPE GetInstrumentInterface(std::uint32_t unread,
+                                                   IMfxInstrument** instrument) override;
+
+  // --- IMfxNotify, IMfxInputPort -------------------------------------------------------------
+  HRESULT STDMETHODCALLTYPE OnNotify(const void* message) override;
+  HRESULT STDMETHODCALLTYPE SetInputSink(IHostInputSink* sink) override;
+  HRESULT STDMETHODCALLTYPE GetInputSink(IHostInputSink** sink) override;
+
+  // --- IMyFilter -----------------------------------------------------------------------------
+  HRESULT STDMETHODCALLTYPE SetEditorWindow(IEditorWindow* editor) override;
+  HRESULT STDMETHODCALLTYPE GetPorts(IHostMidiPorts** ports) override;
+  HRESULT STDMETHODCALLTYPE SelectInputPort(std::wstring name) override;
+  HRESULT STDMETHODCALLTYPE SelectOutputPort(std::wstring name) override;
+  HRESULT STDMETHODCALLTYPE SetOutputRechannel(std::uint32_t channel) override;
+  HRESULT STDMETHODCALLTYPE GetInputPortIndex(std::int32_t* index) override;
+  HRESULT STDMETHODCALLTYPE GetOutputPortIndex(std::int32_t* index) override;
+  HRESULT STDMETHODCALLTYPE GetOutputRechannel(std::uint32_t* channel) override;
+  HRESULT STDMETHODCALLTYPE SetOutputEnabled(std::int32_t enabled) override;
+  HRESULT STDMETHODCALLTYPE SetMIDISync(std::int32_t enabled) override;
+  HRESULT STDMETHODCALLTYPE GetMIDISync(std::int32_t* enabled) override;
+  HRESULT STDMETHODCALLTYPE GetEventCount(std::uint32_t* count) override;
+  HRESULT STDMETHODCALLTYPE GetEvent(std::uint32_t index, CStoredEvent** event) override;
+  HRESULT STDMETHODCALLTYPE InsertEvent(std::uint32_t index, const CStoredEvent* event) override;
+  HRESULT STDMETHODCALLTYPE RemoveEvent(std::uint32_t index) override;
+  HRESULT STDMETHODCALLTYPE GetInstrumentObject(CInstrument** instrument) override;
+  HRESULT STDMETHODCALLTYPE SendEvent(const CStoredEvent* event) override;
+  HRESULT STDMETHODCALLTYPE GetSysexPrefixByte(std::uint8_t* byte, std::int32_t index) override;
+  HRESULT STDMETHODCALLTYPE GetSysexPrefixLength(std::uint32_t* length) override;
+  HRESULT STDMETHODCALLTYPE AssignSysexPrefix(std::vector<std::uint8_t> bytes) override;
+  HRESULT STDMETHODCALLTYPE SetSysexPrefix(const std::uint8_t* bytes, std::uint32_t count) override;
+  HRESULT STDMETHODCALLTYPE OpenClosedLoopTest(NotifyHandle window) override;
+  HRESULT STDMETHODCALLTYPE IsOutputActive(std::uint8_t* active) override;
+  HRESULT STDMETHODCALLTYPE GetEventCounters(std::uint32_t* received, std::uint32_t* sent,
+                                             std::uint8_t clear) override;
+  HRESULT STDMETHODCALLTYPE SendTestMessage(std::uint32_t message) override;
+  HRESULT STDMETHODCALLTYPE SetClosedLoopTest(std::uint8_t running) override;
+
+  // --- IExternalDeviceProxy3 -----------------------------------------------------------------
+  HRESULT STDMETHODCALLTYPE SendSysexData(std::uint32_t unread, const std::uint8_t* bytes,
+                                          std::uint32_t length) override;
+  HRESULT STDMETHODCALLTYPE ConsumeInstrumentChanged(std::int32_t* changed) override;
+  HRESULT STDMETHODCALLTYPE GetDeviceSummary(wchar_t* name, std::int32_t nameCapacity,
+                                             wchar_t* port, std::int32_t portCapacity,
+                                             std::uint32_t* rechannel) override;
+  HRESULT STDMETHODCALLTYPE SetConfigXml(const wchar_t* text) override;
+  HRESULT STDMETHODCALLTYPE GetConfigXmlSize(std::uint32_t* size,
+                                             std::int32_t includePorts) override;
+  HRESULT STDMETHODCALLTYPE GetConfigXml(wchar_t* buffer, std::uint32_t capacity,
+                                         std::int32_t includePorts) override;
+
+  // --- CDXiSynthContext: time conversion ---------------------------------------------------
+  std::int64_t TicksToSamples(std::int32_t ticks) override;
+  std::int32_t SamplesToTicks(std::int64_t samples) override;
+
+ protected:
+  // The instance lock: the processing class's critical section, set once CFilter is built.
+  CCritSec& InstanceLock() noexcept { return *m_dxi; }
+  // [instance lock] Tells the host's pin observer of a change of the output pin count: phase 1
+  // before, which a negative answer refuses, phase 2 after. Skipped while not connected; E_FAIL
+  // when connected to a host without an observer.
+  HRESULT AnnouncePinCountChange(std::int32_t phase, IUnknown* filter, std::int32_t count);
+  // [destruction] Stops the worker and waits for every worker thread, cutting pauses short.
+  void EndAllWorkers();
+  // The facet handed to the sink as the sender.
+  IMfxInputPort* InputPortFacet() noexcept { return this; }
+
+  // The processing part of the same object; set by CFilter once its bases stand.
+  CExternalHardwareProxyDXi* m_dxi = nullptr;
+
+ private:
+  friend class WorkerThread;
+  void WorkerLoop(WorkerRun& run);
+  void RunBatch(WorkerRun& run);
+  void SendSysexEvent(WorkerRun& run, const CStoredEvent& event, IHostMidiPorts* ports,
+                      MidiPortHandle handle);
+  void SendShortMessages(const CStoredEvent& event, IHostInputSink* sink, IHostMidiPorts* ports,
+                         MidiPortHandle handle);
+  void CountAndShowOutput(std::uint32_t level);
+  std::shared_ptr<const std::vector<std::uint8_t>> SysexPrefixSnapshot() const;
+  void ReplaceSysexPrefix(std::vector<std::uint8_t> bytes);
+
+  WorkerBlock m_worker;
+  CCritSec m_queueLock;
+  std::vector<CStoredEvent> m_outputQueue;  // a FIFO drained whole by the worker
+  std::vector<std::unique_ptr<WorkerThread>> m_workerThreads;  // every worker not yet joined
+
+  std::int32_t m_lastClockTick = 0;
+
+  ComPtr<IHostTempoMap> m_tempoMap;
+  ComPtr<IHostTimeConverter> m_timeConverter;
+  CSharedHostRef<IHostInputSink> m_inputSink;
+  ComPtr<IHostPinObserver> m_pinObserver;
+  CSharedHostRef<IHostMidiPorts> m_midiPorts;
+  std::int32_t m_connected = 0;
+
+  IEditorWindow* m_editor = nullptr;
+  std::atomic<NotifyHandle> m_editorWindow{0};  // the editor's handle, read by StartWorker
+  ComPtr<IMfxInstrument> m_instrument;
+
+  std::vector<HostEventRecord> m_pendingEvents;
+  VoiceQueue m_voiceQueue;
+  std::map<std::int32_t, ChannelState> m_channelStates;
+  std::int64_t m_streamSample = 0;
+  std::int64_t m_startSample = 0;
+  std::int64_t m_loopShift = 0;
+
+  std::atomic<bool> m_outputEnabled{false};
+  std::wstring m_outputPortName;
+  std::wstring m_inputPortName;
+  std::atomic<std::int32_t> m_outputPortIndex{-1};
+  std::int32_t m_inputPortIndex = -1;
+  std::atomic<std::uint32_t> m_rechannel{0};
+  std::vector<CStoredEvent> m_events;
+  std::atomic<bool> m_midiSync{false};
+
+  mutable std::mutex m_prefixLock;  // guards the pointer; the bytes behind it never change
+  std::shared_ptr<const std::vector<std::uint8_t>> m_sysexPrefix;
+
+  CCritSec CounterLock;
+  std::uint32_t m_outputCount = 0;
+  std::uint32_t m_inputCount = 0;
+  std::atomic<bool> m_closedLoopTest{false};
+};

@@ -1,0 +1,264 @@
+#include "tests/support/fake_host.h"
+
+#include <algorithm>
+#include <cwchar>
+
+namespace {
+
+// Answers `iid` with `self` when it is one of `iids`.
+template <class T>
+HRESULT Answer(T* self, REFIID iid, void** out, std::initializer_list<IID> iids) {
+  if (!out) return E_POINTER;
+  for (const IID& candidate : iids) {
+    if (iid == candidate) {
+      *out = self;
+      self->AddRef();
+      return S_OK;
+    }
+  }
+  *out = nullptr;
+  return E_NOINTERFACE;
+}
+
+}  // namespace
+
+// --- tempo map and time converter -------------------------------------------------------------
+
+HRESULT FakeTempoMap::QueryInterface(REFIID iid, void** out) {
+  return Answer<IHostTempoMap>(this, iid, out, {IID_IUnknown, IID_IHostTempoMap});
+}
+
+std::int32_t FakeTempoMap::TicksToMsecs(std::int32_t ticks) {
+  return static_cast<std::int32_t>(std::int64_t{ticks} * m_msPerQuarter / m_tpq);
+}
+
+std::int32_t FakeTempoMap::MsecsToTicks(std::int32_t msecs) {
+  return static_cast<std::int32_t>(std::int64_t{msecs} * m_tpq / m_msPerQuarter);
+}
+
+HRESULT FakeTimeConverter::QueryInterface(REFIID iid, void** out) {
+  return Answer<IHostTimeConverter>(this, iid, out, {IID_IUnknown, IID_IHostTimeConverter});
+}
+
+HRESULT FakeTimeConverter::ConvertTime(HostTimeValue* time, std::uint32_t format) {
+  if (time->format == format) return S_OK;
+  if (format == HostTimeValue::kSamples) {
+    const auto ticks = static_cast<std::int32_t>(time->value);  // only the low word counts
+    time->value = ticks * m_samplesPerTick;
+  } else {
+    time->value = static_cast<std::uint32_t>(time->value / m_samplesPerTick);
+  }
+  time->format = format;
+  return S_OK;
+}
+
+// --- pin observer ---------------------------------------------------------------------------
+
+HRESULT FakePinObserver::QueryInterface(REFIID iid, void** out) {
+  return Answer<IHostPinObserver>(this, iid, out, {IID_IUnknown, IID_IHostPinObserver});
+}
+
+HRESULT FakePinObserver::OnPinCountChange(std::int32_t phase, IUnknown*, std::int32_t count) {
+  std::lock_guard lock(m_mutex);
+  m_calls.push_back({phase, count});
+  return phase == 1 && m_refuse ? E_FAIL : S_OK;
+}
+
+std::vector<FakePinObserver::Call> FakePinObserver::Calls() const {
+  std::lock_guard lock(m_mutex);
+  return m_calls;
+}
+
+// --- ports ------------------------------------------------------------------------------------
+
+HRESULT FakeMidiPorts::QueryInterface(REFIID iid, void** out) {
+  if (m_offerVersion2)
+    return Answer<IHostMidiPorts2>(this, iid, out, {IID_IUnknown, IID_IHostMidiPorts, IID_IHostMidiPorts2});
+  return Answer<IHostMidiPorts2>(this, iid, out, {IID_IUnknown, IID_IHostMidiPorts});
+}
+
+std::int32_t FakeMidiPorts::GetInputPortCount() {
+  std::lock_guard lock(m_mutex);
+  return static_cast<std::int32_t>(m_inputs.size());
+}
+
+std::int32_t FakeMidiPorts::GetOutputPortCount() {
+  std::lock_guard lock(m_mutex);
+  return static_cast<std::int32_t>(m_outputs.size());
+}
+
+HRESULT FakeMidiPorts::CopyName(const std::vector<std::wstring>& names, std::int32_t index,
+                                wchar_t* name, std::uint32_t capacity) {
+  if (!name || capacity == 0) return E_POINTER;
+  if (index < 0 || static_cast<std::size_t>(index) >= names.size()) return E_INVALIDARG;
+  const std::wstring& n = names[static_cast<std::size_t>(index)];
+  const std::size_t length = std::min<std::size_t>(n.size(), capacity - 1);
+  std::wmemcpy(name, n.data(), length);
+  name[length] = L'\0';
+  return S_OK;
+}
+
+HRESULT FakeMidiPorts::GetInputPortName(std::int32_t index, wchar_t* name, std::uint32_t capacity) {
+  std::lock_guard lock(m_mutex);
+  return CopyName(m_inputs, index, name, capacity);
+}
+
+HRESULT FakeMidiPorts::GetOutputPortName(std::int32_t index, wchar_t* name, std::uint32_t capacity) {
+  std::lock_guard lock(m_mutex);
+  return CopyName(m_outputs, index, name, capacity);
+}
+
+HRESULT FakeMidiPorts::GetOutputPortHandle(std::int32_t index, MidiPortHandle* handle) {
+  std::lock_guard lock(m_mutex);
+  if (!handle) return E_POINTER;
+  if (index < 0 || static_cast<std::size_t>(index) >= m_handles.size()) {
+    *handle = 0;
+    return E_INVALIDARG;
+  }
+  *handle = m_handles[static_cast<std::size_t>(index)];
+  return S_OK;
+}
+
+void FakeMidiPorts::Record(Sent sent) {
+  {
+    std::lock_guard lock(m_mutex);
+    ++m_sendCount;
+    if (!m_countOnly) m_sent.push_back(std::move(sent));
+  }
+  m_cv.notify_all();
+}
+
+HRESULT FakeMidiPorts::SendShortMsg(MidiPortHandle handle, std::uint32_t message) {
+  if (m_hook) m_hook(m_hookContext, message);
+  if (m_failShort) return E_FAIL;
+  if (m_countOnly) {
+    Record({});
+  } else {
+    Record({FakeClock::now(), handle, false, message, {}});
+  }
+  return S_OK;
+}
+
+HRESULT FakeMidiPorts::SendSysexMsg(MidiPortHandle handle, const std::uint8_t* bytes,
+                                    std::uint32_t length) {
+  if (m_failSysex) return E_FAIL;
+  Record({FakeClock::now(), handle, true, 0, std::vector<std::uint8_t>(bytes, bytes + length)});
+  return S_OK;
+}
+
+HRESULT FakeMidiPorts::GetInputPortId(std::int32_t index, std::int32_t* id) {
+  if (!id) return E_POINTER;
+  *id = kInputIdBase + index;
+  return S_OK;
+}
+
+HRESULT FakeMidiPorts::GetOutputPortId(std::int32_t index, std::int32_t* id) {
+  if (!id) return E_POINTER;
+  *id = kOutputIdBase + index;
+  return S_OK;
+}
+
+HRESULT FakeMidiPorts::UseInputPort(std::int32_t id) {
+  std::lock_guard lock(m_mutex);
+  m_usedInputs.push_back(id);
+  return S_OK;
+}
+
+HRESULT FakeMidiPorts::UseOutputPort(std::int32_t id) {
+  std::lock_guard lock(m_mutex);
+  m_usedOutputs.push_back(id);
+  return S_OK;
+}
+
+void FakeMidiPorts::SetOutputs(std::vector<std::wstring> names) {
+  std::lock_guard lock(m_mutex);
+  m_outputs = std::move(names);
+  m_handles.resize(m_outputs.size());
+  for (std::size_t i = 0; i < m_handles.size(); ++i) m_handles[i] = i + 1;
+}
+
+void FakeMidiPorts::SetInputs(std::vector<std::wstring> names) {
+  std::lock_guard lock(m_mutex);
+  m_inputs = std::move(names);
+}
+
+void FakeMidiPorts::SetOutputHandle(std::int32_t index, MidiPortHandle handle) {
+  std::lock_guard lock(m_mutex);
+  m_handles.at(static_cast<std::size_t>(index)) = handle;
+}
+
+void FakeMidiPorts::SetShortSendHook(void (*hook)(void*, std::uint32_t), void* context) {
+  m_hook = hook;
+  m_hookContext = context;
+}
+
+std::vector<FakeMidiPorts::Sent> FakeMidiPorts::Sends() const {
+  std::lock_guard lock(m_mutex);
+  return m_sent;
+}
+
+std::size_t FakeMidiPorts::SendCount() const {
+  std::lock_guard lock(m_mutex);
+  return m_sendCount;
+}
+
+bool FakeMidiPorts::WaitForSends(std::size_t count, int timeoutMs) const {
+  std::unique_lock lock(m_mutex);
+  return m_cv.wait_for(lock, std::chrono::milliseconds(timeoutMs), [&] { return m_sendCount >= count; });
+}
+
+std::vector<std::int32_t> FakeMidiPorts::UsedInputIds() const {
+  std::lock_guard lock(m_mutex);
+  return m_usedInputs;
+}
+
+std::vector<std::int32_t> FakeMidiPorts::UsedOutputIds() const {
+  std::lock_guard lock(m_mutex);
+  return m_usedOutputs;
+}
+
+// --- sink ------------------------------------------------------------------------------------
+
+HRESULT FakeInputSink::QueryInterface(REFIID iid, void** out) {
+  return Answer<IHostInputSink>(this, iid, out, {IID_IUnknown});
+}
+
+HRESULT FakeInputSink::OnSinkEvent(IMfxInputPort* sender, const HostEventRecord* record) {
+  {
+    std::lock_guard lock(m_mutex);
+    m_records.push_back(*record);
+    m_senders.push_back(sender);
+  }
+  m_cv.notify_all();
+  return m_fail ? E_FAIL : S_OK;
+}
+
+std::vector<HostEventRecord> FakeInputSink::Records() const {
+  std::lock_guard lock(m_mutex);
+  return m_records;
+}
+
+std::vector<IMfxInputPort*> FakeInputSink::Senders() const {
+  std::lock_guard lock(m_mutex);
+  return m_senders;
+}
+
+bool FakeInputSink::WaitForRecords(std::size_t count, int timeoutMs) const {
+  std::unique_lock lock(m_mutex);
+  return m_cv.wait_for(lock, std::chrono::milliseconds(timeoutMs),
+                       [&] { return m_records.size() >= count; });
+}
+
+// --- context ----------------------------------------------------------------------------------
+
+HRESULT FakeHostContext::QueryInterface(REFIID iid, void** out) {
+  if (!out) return E_POINTER;
+  *out = nullptr;
+  if (iid == IID_IUnknown) return Answer<IUnknown>(this, iid, out, {IID_IUnknown});
+  if (iid == IID_IHostTempoMap && tempoMap) return tempoMap->QueryInterface(iid, out);
+  if (iid == IID_IHostTimeConverter && timeConverter) return timeConverter->QueryInterface(iid, out);
+  if (iid == IID_IHostPinObserver && pinObserver) return pinObserver->QueryInterface(iid, out);
+  if ((iid == IID_IHostMidiPorts || iid == IID_IHostMidiPorts2) && midiPorts)
+    return midiPorts->QueryInterface(iid, out);
+  return E_NOINTERFACE;
+}

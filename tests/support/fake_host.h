@@ -1,0 +1,209 @@
+// The fake host: one fake of each host interface, shared by every test. A FakeHostContext
+// offers any chosen subset of the tempo map, the time converter, the pin observer and the MIDI
+// ports (with or without their second version), as a host's context object does.
+#pragma once
+
+#include <chrono>
+#include <condition_variable>
+#include <cstdint>
+#include <mutex>
+#include <string>
+#include <vector>
+
+#include "core/host_interfaces.h"
+#include "core/mfx_interfaces.h"
+#include "ports/host_midi_ports.h"
+#include "tests/support/fake_unknown.h"
+
+using FakeClock = std::chrono::steady_clock;
+
+// A constant tempo: `msPerQuarter` milliseconds per quarter of `ticksPerQuarter` ticks.
+class FakeTempoMap final : public IHostTempoMap, public FakeRefCount<FakeTempoMap> {
+ public:
+  explicit FakeTempoMap(std::int32_t ticksPerQuarter = 480, std::int32_t msPerQuarter = 500)
+      : m_tpq(ticksPerQuarter), m_msPerQuarter(msPerQuarter) {}
+  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** out) override;
+  TARN_FAKE_IUNKNOWN
+  std::int32_t STDMETHODCALLTYPE TicksToMsecs(std::int32_t ticks) override;
+  std::int32_t STDMETHODCALLTYPE MsecsToTicks(std::int32_t msecs) override;
+  std::int32_t STDMETHODCALLTYPE GetTicksPerQuarter() override { return m_tpq; }
+
+  void SetTicksPerQuarter(std::int32_t tpq) { m_tpq = tpq; }
+
+ private:
+  std::int32_t m_tpq;
+  std::int32_t m_msPerQuarter;
+};
+
+// Converts at a fixed number of samples per tick.
+class FakeTimeConverter final : public IHostTimeConverter, public FakeRefCount<FakeTimeConverter> {
+ public:
+  explicit FakeTimeConverter(std::int64_t samplesPerTick = 100) : m_samplesPerTick(samplesPerTick) {}
+  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** out) override;
+  TARN_FAKE_IUNKNOWN
+  HRESULT STDMETHODCALLTYPE ConvertTime(HostTimeValue* time, std::uint32_t format) override;
+
+ private:
+  std::int64_t m_samplesPerTick;
+};
+
+// Records each announcement of a pin count change; refuses phase 1 on request.
+class FakePinObserver final : public IHostPinObserver, public FakeRefCount<FakePinObserver> {
+ public:
+  struct Call {
+    std::int32_t phase;
+    std::int32_t count;
+  };
+  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** out) override;
+  TARN_FAKE_IUNKNOWN
+  HRESULT STDMETHODCALLTYPE OnPinCountChange(std::int32_t phase, IUnknown* filter,
+                                             std::int32_t count) override;
+
+  void RefuseChanges(bool refuse) { m_refuse = refuse; }
+  std::vector<Call> Calls() const;
+
+ private:
+  mutable std::mutex m_mutex;
+  std::vector<Call> m_calls;
+  bool m_refuse = false;
+};
+
+// The host's ports. Every send is recorded with its arrival time; sends fail on request; output
+// port N has handle N + 1 unless set otherwise, so a zero handle is a deliberate choice.
+class FakeMidiPorts final : public IHostMidiPorts2, public FakeRefCount<FakeMidiPorts> {
+ public:
+  struct Sent {
+    FakeClock::time_point at;
+    MidiPortHandle handle;
+    bool sysex;
+    std::uint32_t message;            // short messages
+    std::vector<std::uint8_t> bytes;  // sysex blocks
+  };
+
+  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** out) override;
+  TARN_FAKE_IUNKNOWN
+  std::int32_t STDMETHODCALLTYPE GetInputPortCount() override;
+  HRESULT STDMETHODCALLTYPE Reserved() override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE GetInputPortName(std::int32_t index, wchar_t* name,
+                                             std::uint32_t capacity) override;
+  std::int32_t STDMETHODCALLTYPE GetOutputPortCount() override;
+  HRESULT STDMETHODCALLTYPE GetOutputPortHandle(std::int32_t index, MidiPortHandle* handle) override;
+  HRESULT STDMETHODCALLTYPE GetOutputPortName(std::int32_t index, wchar_t* name,
+                                              std::uint32_t capacity) override;
+  HRESULT STDMETHODCALLTYPE SendShortMsg(MidiPortHandle handle, std::uint32_t message) override;
+  HRESULT STDMETHODCALLTYPE SendSysexMsg(MidiPortHandle handle, const std::uint8_t* bytes,
+                                         std::uint32_t length) override;
+  HRESULT STDMETHODCALLTYPE GetInputPortId(std::int32_t index, std::int32_t* id) override;
+  HRESULT STDMETHODCALLTYPE GetOutputPortId(std::int32_t index, std::int32_t* id) override;
+  HRESULT STDMETHODCALLTYPE UseInputPort(std::int32_t id) override;
+  HRESULT STDMETHODCALLTYPE UseOutputPort(std::int32_t id) override;
+
+  // --- set-up ---
+  void SetOutputs(std::vector<std::wstring> names);
+  void SetInputs(std::vector<std::wstring> names);
+  void SetOutputHandle(std::int32_t index, MidiPortHandle handle);
+  void OfferVersion2(bool offer) { m_offerVersion2 = offer; }
+  void FailShortSends(bool fail) { m_failShort = fail; }
+  void FailSysexSends(bool fail) { m_failSysex = fail; }
+  // Keeps only a count of sends, for benchmarks that must not allocate per message.
+  void CountOnly(bool countOnly) { m_countOnly = countOnly; }
+  // Called on each short send, before it is recorded; for latency measurements.
+  void SetShortSendHook(void (*hook)(void* context, std::uint32_t message), void* context);
+
+  // --- what happened ---
+  std::vector<Sent> Sends() const;
+  std::size_t SendCount() const;
+  // Waits until at least `count` sends arrived; false after `timeoutMs`.
+  bool WaitForSends(std::size_t count, int timeoutMs) const;
+  std::vector<std::int32_t> UsedInputIds() const;
+  std::vector<std::int32_t> UsedOutputIds() const;
+  // Input and output ids are 100 + index and 200 + index.
+  static constexpr std::int32_t kInputIdBase = 100;
+  static constexpr std::int32_t kOutputIdBase = 200;
+
+ private:
+  void Record(Sent sent);
+  static HRESULT CopyName(const std::vector<std::wstring>& names, std::int32_t index,
+                          wchar_t* name, std::uint32_t capacity);
+
+  mutable std::mutex m_mutex;
+  mutable std::condition_variable m_cv;
+  std::vector<std::wstring> m_inputs;
+  std::vector<std::wstring> m_outputs{L"Out A"};
+  std::vector<MidiPortHandle> m_handles{1};
+  std::vector<Sent> m_sent;
+  std::size_t m_sendCount = 0;
+  std::vector<std::int32_t> m_usedInputs, m_usedOutputs;
+  bool m_offerVersion2 = true;
+  bool m_failShort = false;
+  bool m_failSysex = false;
+  bool m_countOnly = false;
+  void (*m_hook)(void*, std::uint32_t) = nullptr;
+  void* m_hookContext = nullptr;
+};
+
+// The host's sink: records every record handed to it, and fails on request.
+class FakeInputSink final : public IHostInputSink, public FakeRefCount<FakeInputSink> {
+ public:
+  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** out) override;
+  TARN_FAKE_IUNKNOWN
+  HRESULT STDMETHODCALLTYPE OnSinkEvent(IMfxInputPort* sender, const HostEventRecord* record) override;
+
+  void Fail(bool fail) { m_fail = fail; }
+  std::vector<HostEventRecord> Records() const;
+  std::vector<IMfxInputPort*> Senders() const;
+  bool WaitForRecords(std::size_t count, int timeoutMs) const;
+
+ private:
+  mutable std::mutex m_mutex;
+  mutable std::condition_variable m_cv;
+  std::vector<HostEventRecord> m_records;
+  std::vector<IMfxInputPort*> m_senders;
+  bool m_fail = false;
+};
+
+// The context object a host passes to Connect. It answers only the interfaces it was given.
+class FakeHostContext final : public IUnknown, public FakeRefCount<FakeHostContext> {
+ public:
+  FakeTempoMap* tempoMap = nullptr;
+  FakeTimeConverter* timeConverter = nullptr;
+  FakePinObserver* pinObserver = nullptr;
+  FakeMidiPorts* midiPorts = nullptr;
+
+  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** out) override;
+  TARN_FAKE_IUNKNOWN
+};
+
+// A list of records handed to OnEvents or OnInput; fails at a chosen index on request.
+template <class Interface, class Record>
+class FakeRecordList final : public Interface, public FakeRefCount<FakeRecordList<Interface, Record>> {
+ public:
+  explicit FakeRecordList(std::vector<Record> records = {}) : m_records(std::move(records)) {}
+  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID, void** out) override {
+    if (out) *out = nullptr;
+    return E_NOINTERFACE;
+  }
+  ULONG STDMETHODCALLTYPE AddRef() override { return this->AddRefImpl(); }
+  ULONG STDMETHODCALLTYPE Release() override { return this->ReleaseImpl(); }
+  HRESULT STDMETHODCALLTYPE Unused() override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE GetItemCount(std::int32_t* count) override {
+    if (m_countResult < 0) return m_countResult;
+    *count = static_cast<std::int32_t>(m_records.size());
+    return S_OK;
+  }
+  HRESULT STDMETHODCALLTYPE GetItem(std::int32_t index, Record* record) override {
+    if (index == m_failAt) return E_FAIL;
+    if (index < 0 || static_cast<std::size_t>(index) >= m_records.size()) return E_INVALIDARG;
+    *record = m_records[static_cast<std::size_t>(index)];
+    return S_OK;
+  }
+  void FailAt(std::int32_t index) { m_failAt = index; }
+  void FailCount(HRESULT result) { m_countResult = result; }
+
+ private:
+  std::vector<Record> m_records;
+  std::int32_t m_failAt = -1;
+  HRESULT m_countResult = S_OK;
+};
+using FakeEventList = FakeRecordList<IHostEventList, HostEventRecord>;
+using FakeDataList = FakeRecordList<IHostDataList, HostDataRecord>;
