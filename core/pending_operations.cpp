@@ -11,8 +11,6 @@ HRESULT CSoftSynth::OnEvents(std::uint32_t, std::uint32_t, std::int32_t, IHostEv
 HRESULT CSoftSynth::OnNotify(const void*) { return E_NOTIMPL; }
 HRESULT CSoftSynth::OnInput(std::uint32_t, IHostDataList*) { return E_NOTIMPL; }
 
-HRESULT CSoftSynth::SelectInputPort(std::wstring) { return E_NOTIMPL; }
-HRESULT CSoftSynth::SelectOutputPort(std::wstring) { return E_NOTIMPL; }
 
 HRESULT CSoftSynth::GetBanks(std::int32_t**, std::int32_t*) { return E_NOTIMPL; }
 HRESULT CSoftSynth::QueryPatchFalse(std::int32_t, std::int32_t) { return E_NOTIMPL; }

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "core/activity.h"
+#include "core/output_worker.h"
 
 CSoftSynth::CSoftSynth() = default;
 

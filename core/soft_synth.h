@@ -19,6 +19,7 @@
 #include "core/mfx_interfaces.h"
 #include "core/my_filter.h"
 #include "core/shared_host_ref.h"
+#include "instruments/mfx_instrument.h"
 #include "documents/stored_event.h"
 #include "platform/com_ptr.h"
 #include "platform/lock.h"
@@ -87,6 +88,9 @@ class CSoftSynth : public CDXiSynthContext,
   // --- IMyFilter -----------------------------------------------------------------------------
   HRESULT STDMETHODCALLTYPE SetEditorWindow(IEditorWindow* editor) override;
   HRESULT STDMETHODCALLTYPE GetPorts(IHostMidiPorts** ports) override;
+  // [editor thread or load] Takes the first port of that exact name and announces its id to a
+  // host that offers ids. No match: E_FAIL with the choice unchanged, and a warning box unless
+  // the name is empty. Needs a connection with ports.
   HRESULT STDMETHODCALLTYPE SelectInputPort(std::wstring name) override;
   HRESULT STDMETHODCALLTYPE SelectOutputPort(std::wstring name) override;
   HRESULT STDMETHODCALLTYPE SetOutputRechannel(std::uint32_t channel) override;
@@ -147,6 +151,7 @@ class CSoftSynth : public CDXiSynthContext,
 
  private:
   friend class WorkerThread;
+  HRESULT SelectPort(bool input, std::wstring name);
   void WorkerLoop(WorkerRun& run);
   void RunBatch(WorkerRun& run);
   void SendSysexEvent(WorkerRun& run, const CStoredEvent& event, IHostMidiPorts* ports,

@@ -44,6 +44,7 @@ class ComPtr {
 
   T* Get() const noexcept { return m_p; }
   T* operator->() const noexcept { return m_p; }
+  T& operator*() const noexcept { return *m_p; }
   explicit operator bool() const noexcept { return m_p != nullptr; }
 
   // For out arguments: releases what is held and exposes the slot.
