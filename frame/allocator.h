@@ -1,5 +1,6 @@
 // A memory allocator: a fixed pool of samples over one block of memory, made at Commit and freed
-// once decommitted and every sample is back. No allocation happens per GetBuffer.
+// once decommitted and every sample is back. No allocation happens per GetBuffer. Each sample
+// that is out holds a reference on the allocator, so the allocator outlives its samples.
 #pragma once
 
 #include <condition_variable>
@@ -27,8 +28,9 @@ class CMemAllocator : public CUnknown, public IMemAllocator {
   // Answers IMemAllocator, then CUnknown's.
   HRESULT STDMETHODCALLTYPE NonDelegatingQueryInterface(REFIID iid, void** object) override;
 
-  // IMemAllocator; see interfaces.h. A buffer and its prefix start at a multiple of cbAlign
-  // bytes from the block's start, and the block itself is aligned to cbAlign.
+  // IMemAllocator; see interfaces.h. Each buffer with its prefix starts at an address that is a
+  // multiple of cbAlign; SetProperties grows cbBuffer so that buffer and prefix fill whole
+  // alignment units. Commit answers E_OUTOFMEMORY when the block cannot be had.
   HRESULT STDMETHODCALLTYPE SetProperties(const ALLOCATOR_PROPERTIES* request,
                                           ALLOCATOR_PROPERTIES* actual) override;
   HRESULT STDMETHODCALLTYPE GetProperties(ALLOCATOR_PROPERTIES* properties) override;
@@ -44,7 +46,7 @@ class CMemAllocator : public CUnknown, public IMemAllocator {
 
  private:
   bool AllBackLocked() const noexcept { return m_free.size() == m_samples.size(); }
-  void AllocateLocked();
+  HRESULT AllocateLocked();
   void FreeLocked() noexcept;
 
   const bool m_samplesOfferSilence;

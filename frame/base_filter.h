@@ -30,8 +30,9 @@ class CBaseFilter : public CUnknown, public IBaseFilter {
 
   // IMediaFilter. Stop calls Inactive on every connected pin, Pause from stopped calls Active on
   // every connected pin; both go on through all pins and answer the first failure, and the new
-  // state holds either way. Run pauses first when stopped, then runs (S_OK, or Pause's failure
-  // with the state left paused or stopped).
+  // state holds either way, so a Stop after a failed Pause undoes it. Run pauses first (through
+  // the virtual Pause) when stopped, then runs; a failed Pause is the answer and the state stays
+  // paused.
   HRESULT STDMETHODCALLTYPE Stop() override;
   HRESULT STDMETHODCALLTYPE Pause() override;
   HRESULT STDMETHODCALLTYPE Run(REFERENCE_TIME start) override;
@@ -48,8 +49,8 @@ class CBaseFilter : public CUnknown, public IBaseFilter {
   HRESULT STDMETHODCALLTYPE JoinFilterGraph(IFilterGraph* graph, const wchar_t* name) override;
   HRESULT STDMETHODCALLTYPE QueryVendorInfo(wchar_t** info) override;
 
-  // [any thread, filter lock] The number of pins and the pin at index `n` (0-based), or null for
-  // an index out of range, negative ones included. No reference is added.
+  // [any thread; the caller holds the filter lock] The number of pins and the pin at index `n`
+  // (0-based), or null for an index out of range, negative ones included. No reference is added.
   virtual std::int32_t GetPinCount() = 0;
   virtual CBasePin* GetPin(std::int32_t n) = 0;
 
@@ -82,7 +83,7 @@ class CBaseFilter : public CUnknown, public IBaseFilter {
   HRESULT ForEachConnectedPin(HRESULT (CBasePin::*step)());
 
   const CLSID m_clsid;
-  std::wstring m_name;  // name in the graph
+  std::wstring m_name;                             // name in the graph
   std::atomic<IMediaEventSink*> m_pSink{nullptr};  // weak, like m_pGraph
   std::atomic<std::int32_t> m_pinVersion{1};
 };

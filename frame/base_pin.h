@@ -47,7 +47,8 @@ class CBasePin : public CUnknown, public IPin {
   HRESULT STDMETHODCALLTYPE EnumMediaTypes(IEnumMediaTypes** types) override;
   HRESULT STDMETHODCALLTYPE QueryInternalConnections(IPin** pins, std::uint32_t* count) override;
   HRESULT STDMETHODCALLTYPE EndOfStream() override;
-  HRESULT STDMETHODCALLTYPE NewSegment(REFERENCE_TIME start, REFERENCE_TIME stop, double rate) override;
+  HRESULT STDMETHODCALLTYPE NewSegment(REFERENCE_TIME start, REFERENCE_TIME stop,
+                                       double rate) override;
 
   // [graph thread, filter lock] S_OK when the pin takes `type`; anything else refuses it
   // (VFW_E_TYPE_NOT_ACCEPTED is the usual answer).
@@ -92,10 +93,14 @@ class CBasePin : public CUnknown, public IPin {
   double m_dRate = 1.0;
 
  private:
+  HRESULT CanConnectNow() const;
   HRESULT AgreeMediaType(IPin* receiver, const CMediaType* type);
   HRESULT TryMediaTypes(IPin* receiver, const CMediaType* pattern, IEnumMediaTypes* types);
   HRESULT AttemptConnection(IPin* receiver, const CMediaType& type);
-  HRESULT CanConnectNow() const;
+  // Checks `peer` and `type` and keeps them as the connection; on failure keeps nothing.
+  HRESULT TakeConnection(IPin* peer, const CMediaType& type);
+  // BreakConnect, then forgets the peer and the type.
+  void DropConnection();
 
   const std::wstring m_name;
   const PIN_DIRECTION m_dir;

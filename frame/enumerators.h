@@ -46,7 +46,8 @@ class CEnumMediaTypes final : public CUnknown, public IEnumMediaTypes {
 
   HRESULT STDMETHODCALLTYPE NonDelegatingQueryInterface(REFIID iid, void** object) override;
 
-  HRESULT STDMETHODCALLTYPE Next(std::uint32_t count, CMediaType* types, std::uint32_t* fetched) override;
+  HRESULT STDMETHODCALLTYPE Next(std::uint32_t count, CMediaType* types,
+                                 std::uint32_t* fetched) override;
   HRESULT STDMETHODCALLTYPE Skip(std::uint32_t count) override;
   HRESULT STDMETHODCALLTYPE Reset() override;
   HRESULT STDMETHODCALLTYPE Clone(IEnumMediaTypes** clone) override;

@@ -26,7 +26,8 @@ class CBaseInputPin : public CBasePin, public IMemInputPin {
   // calls this first and goes on only on S_OK. ReceiveCanBlock answers S_OK: a pin that passes
   // samples on waits for buffers downstream.
   HRESULT STDMETHODCALLTYPE GetAllocator(IMemAllocator** allocator) override;
-  HRESULT STDMETHODCALLTYPE NotifyAllocator(IMemAllocator* allocator, std::int32_t readOnly) override;
+  HRESULT STDMETHODCALLTYPE NotifyAllocator(IMemAllocator* allocator,
+                                            std::int32_t readOnly) override;
   HRESULT STDMETHODCALLTYPE GetAllocatorRequirements(ALLOCATOR_PROPERTIES* properties) override;
   HRESULT STDMETHODCALLTYPE Receive(IMediaSample* sample) override;
   HRESULT STDMETHODCALLTYPE ReceiveMultiple(IMediaSample** samples, std::int32_t count,

@@ -10,6 +10,7 @@
 // "filter lock" means the operation takes the filter's lock itself.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 #include "frame/media_type.h"
@@ -51,6 +52,14 @@ inline constexpr std::uint32_t AM_GBF_NOWAIT = 4;  // fail with VFW_E_TIMEOUT in
 
 inline constexpr std::size_t MAX_PIN_NAME = 128;
 inline constexpr std::size_t MAX_FILTER_NAME = 128;
+
+// Copies `source` (null is empty) into a fixed name field, cut to fit and always terminated.
+template <std::size_t N>
+void CopyName(wchar_t (&target)[N], const wchar_t* source) noexcept {
+  std::size_t n = 0;
+  for (; source && source[n] != L'\0' && n + 1 < N; ++n) target[n] = source[n];
+  target[n] = L'\0';
+}
 
 struct IBaseFilter;
 struct IFilterGraph;
@@ -115,7 +124,8 @@ struct IMediaSample : IUnknown {
   // is then start + 1), VFW_E_SAMPLE_TIME_NOT_SET with neither (arguments untouched).
   virtual HRESULT STDMETHODCALLTYPE GetTime(REFERENCE_TIME* start, REFERENCE_TIME* stop) = 0;
   // [holder] A null `start` clears both times; a null `stop` sets the start only.
-  virtual HRESULT STDMETHODCALLTYPE SetTime(const REFERENCE_TIME* start, const REFERENCE_TIME* stop) = 0;
+  virtual HRESULT STDMETHODCALLTYPE SetTime(const REFERENCE_TIME* start,
+                                            const REFERENCE_TIME* stop) = 0;
   // [holder] S_OK when set, S_FALSE when clear; likewise IsPreroll and IsDiscontinuity.
   virtual HRESULT STDMETHODCALLTYPE IsSyncPoint() = 0;
   // [holder] Any non-zero flag sets the mark; likewise the other Set* marks.
@@ -140,7 +150,8 @@ struct IMediaSample : IUnknown {
   // [holder] Media times (e.g. frame numbers): S_OK, or VFW_E_MEDIA_TIME_NOT_SET.
   virtual HRESULT STDMETHODCALLTYPE GetMediaTime(std::int64_t* start, std::int64_t* stop) = 0;
   // [holder] A null `start` clears them.
-  virtual HRESULT STDMETHODCALLTYPE SetMediaTime(const std::int64_t* start, const std::int64_t* stop) = 0;
+  virtual HRESULT STDMETHODCALLTYPE SetMediaTime(const std::int64_t* start,
+                                                 const std::int64_t* stop) = 0;
 
  protected:
   ~IMediaSample() = default;
@@ -190,7 +201,8 @@ struct IMemAllocator : IUnknown {
 // `types[0..count)`, which the caller owns.
 struct IEnumMediaTypes : IUnknown {
   // [any thread]
-  virtual HRESULT STDMETHODCALLTYPE Next(std::uint32_t count, CMediaType* types, std::uint32_t* fetched) = 0;
+  virtual HRESULT STDMETHODCALLTYPE Next(std::uint32_t count, CMediaType* types,
+                                         std::uint32_t* fetched) = 0;
   // [any thread] S_FALSE when fewer than `count` were left (it then stands at the end).
   virtual HRESULT STDMETHODCALLTYPE Skip(std::uint32_t count) = 0;
   // [any thread]
@@ -209,7 +221,7 @@ struct IPin : IUnknown {
   // this pin's, keeping those that fit. VFW_E_ALREADY_CONNECTED, VFW_E_NOT_STOPPED,
   // VFW_E_NO_ACCEPTABLE_TYPES, or the refusal of the one type tried.
   virtual HRESULT STDMETHODCALLTYPE Connect(IPin* receiver, const CMediaType* type) = 0;
-  // [graph thread, filter lock] Called by a connecting pin on the pin it connects to. 
+  // [graph thread, filter lock] Called by a connecting pin on the pin it connects to.
   virtual HRESULT STDMETHODCALLTYPE ReceiveConnection(IPin* connector, const CMediaType* type) = 0;
   // [graph thread, filter lock] Drops this side of the connection: S_OK, S_FALSE when not
   // connected, VFW_E_NOT_STOPPED unless the filter is stopped.
@@ -237,7 +249,8 @@ struct IPin : IUnknown {
   // [graph thread] Accept data again.
   virtual HRESULT STDMETHODCALLTYPE EndFlush() = 0;
   // [streaming thread] Samples that follow belong to [start, stop) of the media at `rate`.
-  virtual HRESULT STDMETHODCALLTYPE NewSegment(REFERENCE_TIME start, REFERENCE_TIME stop, double rate) = 0;
+  virtual HRESULT STDMETHODCALLTYPE NewSegment(REFERENCE_TIME start, REFERENCE_TIME stop,
+                                               double rate) = 0;
 
  protected:
   ~IPin() = default;
@@ -248,7 +261,8 @@ struct IMemInputPin : IUnknown {
   // [graph thread] The pin's own allocator, made on first demand, with a reference.
   virtual HRESULT STDMETHODCALLTYPE GetAllocator(IMemAllocator** allocator) = 0;
   // [graph thread] Tells the pin which allocator the upstream pin decided on.
-  virtual HRESULT STDMETHODCALLTYPE NotifyAllocator(IMemAllocator* allocator, std::int32_t readOnly) = 0;
+  virtual HRESULT STDMETHODCALLTYPE NotifyAllocator(IMemAllocator* allocator,
+                                                    std::int32_t readOnly) = 0;
   // [graph thread] What the pin needs of buffers; E_NOTIMPL when it needs nothing in particular.
   virtual HRESULT STDMETHODCALLTYPE GetAllocatorRequirements(ALLOCATOR_PROPERTIES* properties) = 0;
   // [streaming thread] Takes one sample. S_OK; S_FALSE while flushing (send no more until the
@@ -268,7 +282,8 @@ struct IMemInputPin : IUnknown {
 // Enumerates a filter's pins, each with a reference; see the note on enumerators above.
 struct IEnumPins : IUnknown {
   // [any thread]
-  virtual HRESULT STDMETHODCALLTYPE Next(std::uint32_t count, IPin** pins, std::uint32_t* fetched) = 0;
+  virtual HRESULT STDMETHODCALLTYPE Next(std::uint32_t count, IPin** pins,
+                                         std::uint32_t* fetched) = 0;
   // [any thread]
   virtual HRESULT STDMETHODCALLTYPE Skip(std::uint32_t count) = 0;
   // [any thread] Also brings the enumerator back in step with the filter's pins.
@@ -289,7 +304,8 @@ struct IReferenceClock : IUnknown {
                                                std::uintptr_t event, std::uintptr_t* cookie) = 0;
   // [any thread] Releases `semaphore` every `period` from `start`.
   virtual HRESULT STDMETHODCALLTYPE AdvisePeriodic(REFERENCE_TIME start, REFERENCE_TIME period,
-                                                   std::uintptr_t semaphore, std::uintptr_t* cookie) = 0;
+                                                   std::uintptr_t semaphore,
+                                                   std::uintptr_t* cookie) = 0;
   // [any thread] Cancels a request.
   virtual HRESULT STDMETHODCALLTYPE Unadvise(std::uintptr_t cookie) = 0;
 
@@ -345,7 +361,8 @@ struct IBaseFilter : IMediaFilter {
 // Enumerates the filters of a graph, each with a reference.
 struct IEnumFilters : IUnknown {
   // [graph thread]
-  virtual HRESULT STDMETHODCALLTYPE Next(std::uint32_t count, IBaseFilter** filters, std::uint32_t* fetched) = 0;
+  virtual HRESULT STDMETHODCALLTYPE Next(std::uint32_t count, IBaseFilter** filters,
+                                         std::uint32_t* fetched) = 0;
   // [graph thread]
   virtual HRESULT STDMETHODCALLTYPE Skip(std::uint32_t count) = 0;
   // [graph thread]
@@ -369,7 +386,8 @@ struct IFilterGraph : IUnknown {
   // [graph thread]
   virtual HRESULT STDMETHODCALLTYPE FindFilterByName(const wchar_t* name, IBaseFilter** filter) = 0;
   // [graph thread] Connects two pins with exactly `type` (null: negotiate).
-  virtual HRESULT STDMETHODCALLTYPE ConnectDirect(IPin* output, IPin* input, const CMediaType* type) = 0;
+  virtual HRESULT STDMETHODCALLTYPE ConnectDirect(IPin* output, IPin* input,
+                                                  const CMediaType* type) = 0;
   // [any thread] Asks the graph to break and remake the connection of `pin`, later, on its own
   // thread; a filter calls this when a connected pin's type no longer fits.
   virtual HRESULT STDMETHODCALLTYPE Reconnect(IPin* pin) = 0;
@@ -385,7 +403,8 @@ struct IFilterGraph : IUnknown {
 // Where filters report events to the graph (e.g. EC_GRAPH_CHANGED).
 struct IMediaEventSink : IUnknown {
   // [any thread] Queues event `code` with its two parameters for the graph's owner.
-  virtual HRESULT STDMETHODCALLTYPE Notify(std::int32_t code, std::intptr_t param1, std::intptr_t param2) = 0;
+  virtual HRESULT STDMETHODCALLTYPE Notify(std::int32_t code, std::intptr_t param1,
+                                           std::intptr_t param2) = 0;
 
  protected:
   ~IMediaEventSink() = default;

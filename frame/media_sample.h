@@ -28,7 +28,8 @@ class CMediaSample : public IMediaSample, public ISampleSilence {
   HRESULT STDMETHODCALLTYPE GetPointer(std::uint8_t** buffer) override;
   std::int32_t STDMETHODCALLTYPE GetSize() override;
   HRESULT STDMETHODCALLTYPE GetTime(REFERENCE_TIME* start, REFERENCE_TIME* stop) override;
-  HRESULT STDMETHODCALLTYPE SetTime(const REFERENCE_TIME* start, const REFERENCE_TIME* stop) override;
+  HRESULT STDMETHODCALLTYPE SetTime(const REFERENCE_TIME* start,
+                                    const REFERENCE_TIME* stop) override;
   HRESULT STDMETHODCALLTYPE IsSyncPoint() override;
   HRESULT STDMETHODCALLTYPE SetSyncPoint(std::int32_t isSyncPoint) override;
   HRESULT STDMETHODCALLTYPE IsPreroll() override;
@@ -40,7 +41,8 @@ class CMediaSample : public IMediaSample, public ISampleSilence {
   HRESULT STDMETHODCALLTYPE IsDiscontinuity() override;
   HRESULT STDMETHODCALLTYPE SetDiscontinuity(std::int32_t isDiscontinuity) override;
   HRESULT STDMETHODCALLTYPE GetMediaTime(std::int64_t* start, std::int64_t* stop) override;
-  HRESULT STDMETHODCALLTYPE SetMediaTime(const std::int64_t* start, const std::int64_t* stop) override;
+  HRESULT STDMETHODCALLTYPE SetMediaTime(const std::int64_t* start,
+                                         const std::int64_t* stop) override;
 
   std::int32_t STDMETHODCALLTYPE GetSilent() override;
   HRESULT STDMETHODCALLTYPE SetSilent(std::int32_t silent) override;

@@ -20,8 +20,9 @@ void CMediaType::SetFormat(const void* bytes, std::uint32_t length) {
 
 const WaveFormat* CMediaType::WaveFormatPtr() const noexcept {
   // The record is packed (alignment 1), so any byte address holds one.
-  return m_format.size() >= sizeof(WaveFormat) ? reinterpret_cast<const WaveFormat*>(m_format.data())
-                                               : nullptr;
+  return m_format.size() >= sizeof(WaveFormat)
+             ? reinterpret_cast<const WaveFormat*>(m_format.data())
+             : nullptr;
 }
 
 bool CMediaType::IsValid() const noexcept { return majortype != GUID_NULL; }
@@ -31,11 +32,14 @@ bool CMediaType::IsPartiallySpecified() const noexcept {
 }
 
 bool CMediaType::MatchesPartial(const CMediaType& pattern) const {
-  const auto fits = [](const GUID& want, const GUID& have) { return want == GUID_NULL || want == have; };
+  const auto fits = [](const GUID& want, const GUID& have) {
+    return want == GUID_NULL || want == have;
+  };
   if (!fits(pattern.majortype, majortype) || !fits(pattern.subtype, subtype) ||
       !fits(pattern.formattype, formattype))
     return false;
-  return pattern.formattype == GUID_NULL || pattern.m_format.empty() || pattern.m_format == m_format;
+  return pattern.formattype == GUID_NULL || pattern.m_format.empty() ||
+         pattern.m_format == m_format;
 }
 
 CMediaType AudioMediaType(const WaveFormat& format) {

@@ -11,13 +11,13 @@
 // The 18-byte wave format record as it crosses the boundary, packed, standard field order.
 #pragma pack(push, 1)
 struct WaveFormat {
-  std::uint16_t wFormatTag;       // WAVE_FORMAT_*_TAG
+  std::uint16_t wFormatTag;  // WAVE_FORMAT_*_TAG
   std::uint16_t nChannels;
   std::uint32_t nSamplesPerSec;
   std::uint32_t nAvgBytesPerSec;  // nSamplesPerSec * nBlockAlign
   std::uint16_t nBlockAlign;      // bytes per frame, all channels
   std::uint16_t wBitsPerSample;
-  std::uint16_t cbSize;           // bytes of extra format data after the record
+  std::uint16_t cbSize;  // bytes of extra format data after the record
 };
 #pragma pack(pop)
 static_assert(sizeof(WaveFormat) == 18);
@@ -69,9 +69,13 @@ class CMediaType {
   bool operator==(const CMediaType& other) const;
 
   // Bytes in the format block; 0 when there is none.
-  std::uint32_t FormatLength() const noexcept { return static_cast<std::uint32_t>(m_format.size()); }
+  std::uint32_t FormatLength() const noexcept {
+    return static_cast<std::uint32_t>(m_format.size());
+  }
   // The format block, or null when it is empty.
-  const std::uint8_t* Format() const noexcept { return m_format.empty() ? nullptr : m_format.data(); }
+  const std::uint8_t* Format() const noexcept {
+    return m_format.empty() ? nullptr : m_format.data();
+  }
   // Replaces the format block with a copy of `length` bytes at `bytes`; a null `bytes` or a 0
   // `length` empties it.
   void SetFormat(const void* bytes, std::uint32_t length);

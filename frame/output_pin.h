@@ -57,4 +57,9 @@ class CBaseOutputPin : public CBasePin {
  protected:
   ComPtr<IMemAllocator> m_pAllocator;
   ComPtr<IMemInputPin> m_pInputPin;  // the peer's transport face
+
+ private:
+  // DecideBufferSize on a copy of `request`, then NotifyAllocator.
+  HRESULT TryAllocator(IMemInputPin* pin, IMemAllocator* allocator,
+                       const ALLOCATOR_PROPERTIES& request);
 };

@@ -92,7 +92,7 @@ HRESULT GetInterface(IUnknown* face, void** object) noexcept;
 
 // Implements IUnknown for a class derived from CUnknown by forwarding to GetOwner(). Put it in
 // the public part of every class that adds interfaces, so all of them share one identity.
-#define DECLARE_IUNKNOWN                                                          \
+#define DECLARE_IUNKNOWN                                                         \
   HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override { \
     return GetOwner()->QueryInterface(iid, object);                              \
   }                                                                              \
