@@ -1,4 +1,4 @@
-// Operations whose behaviour arrives with later subsystems (the host event line, live input,
+// Operations whose behaviour arrives with later subsystems (the host event line,
 // the device store, the saved configuration). Until then they answer E_NOTIMPL.
 #include "core/soft_synth.h"
 
@@ -9,7 +9,6 @@ HRESULT CSoftSynth::OnEvents(std::uint32_t, std::uint32_t, std::int32_t, IHostEv
   return E_NOTIMPL;
 }
 HRESULT CSoftSynth::OnNotify(const void*) { return E_NOTIMPL; }
-HRESULT CSoftSynth::OnInput(std::uint32_t, IHostDataList*) { return E_NOTIMPL; }
 
 
 HRESULT CSoftSynth::GetBanks(std::int32_t**, std::int32_t*) { return E_NOTIMPL; }

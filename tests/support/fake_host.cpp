@@ -123,19 +123,18 @@ void FakeMidiPorts::Record(Sent sent) {
   {
     std::lock_guard lock(m_mutex);
     ++m_sendCount;
-    if (!m_countOnly) m_sent.push_back(std::move(sent));
+    m_sent.push_back(std::move(sent));
   }
   m_cv.notify_all();
 }
 
 HRESULT FakeMidiPorts::SendShortMsg(MidiPortHandle handle, std::uint32_t message) {
-  if (m_hook) m_hook(m_hookContext, message);
-  if (m_failShort) return E_FAIL;
-  if (m_countOnly) {
-    Record({});
-  } else {
-    Record({FakeClock::now(), handle, false, message, {}});
+  if (m_hook) {
+    m_hook(m_hookContext, message);
+    return S_OK;
   }
+  if (m_failShort) return E_FAIL;
+  Record({FakeClock::now(), handle, false, message, {}});
   return S_OK;
 }
 

@@ -105,9 +105,8 @@ class FakeMidiPorts final : public IHostMidiPorts2, public FakeRefCount<FakeMidi
   void OfferVersion2(bool offer) { m_offerVersion2 = offer; }
   void FailShortSends(bool fail) { m_failShort = fail; }
   void FailSysexSends(bool fail) { m_failSysex = fail; }
-  // Keeps only a count of sends, for benchmarks that must not allocate per message.
-  void CountOnly(bool countOnly) { m_countOnly = countOnly; }
-  // Called on each short send, before it is recorded; for latency measurements.
+  // Hands each short send to `hook` alone, recording nothing: benchmarks measure the instance,
+  // not this fake's lock and allocation. Null goes back to recording.
   void SetShortSendHook(void (*hook)(void* context, std::uint32_t message), void* context);
 
   // --- what happened ---
@@ -137,7 +136,6 @@ class FakeMidiPorts final : public IHostMidiPorts2, public FakeRefCount<FakeMidi
   bool m_offerVersion2 = true;
   bool m_failShort = false;
   bool m_failSysex = false;
-  bool m_countOnly = false;
   void (*m_hook)(void*, std::uint32_t) = nullptr;
   void* m_hookContext = nullptr;
 };

@@ -1,0 +1,192 @@
+// The output worker against bare baselines in the same run:
+//  - hand-off: PostToWorker to the port's SendShortMsg, one post per 5.33 ms (256 frames at
+//    48 kHz), against a bare mutex-and-condition-variable wake of a sleeping thread;
+//  - throughput: one-message events through the worker in batches of 1, 16 and 256, against a
+//    bare queue of 8-byte records drained in batches by a thread.
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
+#include <cstdint>
+#include <mutex>
+#include <thread>
+#include <vector>
+
+#include <benchmark/benchmark.h>
+
+#include "tests/support/test_instance.h"
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+constexpr auto kHostPeriod = std::chrono::microseconds(5333);
+constexpr int kHandOffSamples = 300;
+
+void ReportLatencies(benchmark::State& state, std::vector<double>& micros) {
+  std::sort(micros.begin(), micros.end());
+  state.counters["median_us"] = micros[micros.size() / 2];
+  state.counters["p99_us"] = micros[micros.size() * 99 / 100];
+}
+
+// A rig whose port hands each send to the benchmark and whose activity goes nowhere.
+struct BenchRig {
+  ConnectedRig rig;
+  std::atomic<std::uint64_t> sends{0};
+  std::atomic<std::int64_t> lastSendNs{0};
+
+  BenchRig() {
+    rig.EnableOutput();
+    rig.instance->SetEditorWindow(nullptr);
+    rig.ports.SetShortSendHook(
+        [](void* self, std::uint32_t) {
+          auto& r = *static_cast<BenchRig*>(self);
+          r.lastSendNs.store(Clock::now().time_since_epoch().count(), std::memory_order_relaxed);
+          r.sends.fetch_add(1, std::memory_order_release);
+        },
+        this);
+    rig.Start();
+  }
+  ~BenchRig() { rig.Stop(); }
+  void WaitForSends(std::uint64_t count) {
+    while (sends.load(std::memory_order_acquire) < count) std::this_thread::yield();
+  }
+};
+
+void BM_HandOff_Worker(benchmark::State& state) {
+  BenchRig bench;
+  const CStoredEvent event = CStoredEvent::FromMessage(ShortMessage::FromBytes(0x90, 60, 100));
+  std::vector<double> micros;
+  for (auto _ : state) {
+    micros.clear();
+    auto next = Clock::now();
+    for (int i = 0; i < kHandOffSamples; ++i) {
+      next += kHostPeriod;
+      std::this_thread::sleep_until(next);
+      const auto t0 = Clock::now();
+      bench.rig.instance->PostToWorker(event);
+      while (bench.sends.load(std::memory_order_acquire) < static_cast<std::uint64_t>(i) + 1) {
+      }
+      const auto t1 = Clock::time_point(Clock::duration(bench.lastSendNs.load()));
+      micros.push_back(std::chrono::duration<double, std::micro>(t1 - t0).count());
+    }
+  }
+  ReportLatencies(state, micros);
+}
+
+// The least a hand-off can cost: wake a thread asleep on a condition variable.
+void BM_HandOff_BareWake(benchmark::State& state) {
+  std::mutex mutex;
+  std::condition_variable cv;
+  bool pending = false, done = false;
+  std::atomic<std::int64_t> wokeNs{0};
+  std::atomic<int> woken{0};
+  std::thread sleeper([&] {
+    std::unique_lock lock(mutex);
+    for (;;) {
+      cv.wait(lock, [&] { return pending || done; });
+      if (done) return;
+      pending = false;
+      wokeNs.store(Clock::now().time_since_epoch().count());
+      woken.fetch_add(1, std::memory_order_release);
+    }
+  });
+  std::vector<double> micros;
+  for (auto _ : state) {
+    micros.clear();
+    auto next = Clock::now();
+    for (int i = 0; i < kHandOffSamples; ++i) {
+      next += kHostPeriod;
+      std::this_thread::sleep_until(next);
+      const int before = woken.load();
+      const auto t0 = Clock::now();
+      {
+        std::lock_guard lock(mutex);
+        pending = true;
+      }
+      cv.notify_one();
+      while (woken.load(std::memory_order_acquire) == before) {
+      }
+      const auto t1 = Clock::time_point(Clock::duration(wokeNs.load()));
+      micros.push_back(std::chrono::duration<double, std::micro>(t1 - t0).count());
+    }
+  }
+  {
+    std::lock_guard lock(mutex);
+    done = true;
+  }
+  cv.notify_one();
+  sleeper.join();
+  ReportLatencies(state, micros);
+}
+
+void BM_Throughput_Worker(benchmark::State& state) {
+  const auto batch = static_cast<std::uint64_t>(state.range(0));
+  BenchRig bench;
+  const CStoredEvent event = CStoredEvent::FromMessage(ShortMessage::FromBytes(0x90, 60, 100));
+  std::uint64_t target = 0;
+  for (auto _ : state) {
+    for (std::uint64_t i = 0; i < batch; ++i) bench.rig.instance->PostToWorker(event);
+    target += batch;
+    bench.WaitForSends(target);
+  }
+  state.SetItemsProcessed(static_cast<std::int64_t>(target));
+  state.counters["ns_per_msg"] = benchmark::Counter(
+      static_cast<double>(target), benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+}
+
+// A bare queue of 8-byte records: the producer appends under a lock and wakes the drainer, which
+// swaps the whole queue out and consumes it.
+void BM_Throughput_BareQueue(benchmark::State& state) {
+  const auto batch = static_cast<std::uint64_t>(state.range(0));
+  std::mutex mutex;
+  std::condition_variable cv;
+  std::vector<std::uint64_t> queue, local;
+  queue.reserve(4096);
+  local.reserve(4096);
+  bool done = false;
+  std::atomic<std::uint64_t> consumed{0};
+  std::thread drainer([&] {
+    std::unique_lock lock(mutex);
+    for (;;) {
+      cv.wait(lock, [&] { return !queue.empty() || done; });
+      if (done) return;
+      std::swap(queue, local);
+      lock.unlock();
+      std::uint64_t sum = 0;
+      for (const std::uint64_t r : local) sum += r;
+      benchmark::DoNotOptimize(sum);
+      consumed.fetch_add(local.size(), std::memory_order_release);
+      local.clear();
+      lock.lock();
+    }
+  });
+  std::uint64_t target = 0;
+  for (auto _ : state) {
+    for (std::uint64_t i = 0; i < batch; ++i) {
+      {
+        std::lock_guard lock(mutex);
+        queue.push_back(i);
+      }
+      cv.notify_one();
+    }
+    target += batch;
+    while (consumed.load(std::memory_order_acquire) < target) std::this_thread::yield();
+  }
+  {
+    std::lock_guard lock(mutex);
+    done = true;
+  }
+  cv.notify_one();
+  drainer.join();
+  state.SetItemsProcessed(static_cast<std::int64_t>(target));
+  state.counters["ns_per_msg"] = benchmark::Counter(
+      static_cast<double>(target), benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+}
+
+}  // namespace
+
+BENCHMARK(BM_HandOff_BareWake)->Iterations(1)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_HandOff_Worker)->Iterations(1)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_Throughput_BareQueue)->Arg(1)->Arg(16)->Arg(256);
+BENCHMARK(BM_Throughput_Worker)->Arg(1)->Arg(16)->Arg(256);
+BENCHMARK_MAIN();

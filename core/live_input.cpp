@@ -1,0 +1,26 @@
+// The live road: what the host delivers from the chosen input goes, unchanged and unfiltered, to
+// the worker, which rechannels and sends it. Counting and activity happen even when nothing can
+// go out.
+#include "core/activity.h"
+#include "core/soft_synth.h"
+
+HRESULT CSoftSynth::OnInput(std::uint32_t, IHostDataList* list) {
+  if (!list) return E_POINTER;
+  CAutoLock lock(InstanceLock());
+  if (!m_tempoMap) return E_UNEXPECTED;
+  std::int32_t count = 0;
+  HRESULT hr = list->GetItemCount(&count);
+  if (FAILED(hr) || count == 0) return hr;
+  for (std::int32_t i = 0; i < count; ++i) {
+    HostDataRecord record{};
+    hr = list->GetItem(i, &record);
+    if (FAILED(hr)) return hr;
+    const ShortMessage message{static_cast<std::uint32_t>(record.time), record.message};
+    PostNotify(m_worker.m_notifyWindow, InputActivityMessage(), ActivityLevel(message), 0);
+    // While the closed-loop test runs, what comes back is counted but must not go out again.
+    if (m_outputEnabled && !m_closedLoopTest) PostToWorker(CStoredEvent::FromMessage(message));
+    CAutoLock counterLock(CounterLock);
+    ++m_inputCount;
+  }
+  return hr;
+}

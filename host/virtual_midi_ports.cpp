@@ -1,0 +1,95 @@
+#include "host/virtual_midi_ports.h"
+
+#include <algorithm>
+#include <cwchar>
+
+namespace {
+
+// Handles are index + 1, so that 0 keeps its meaning of "no port".
+std::int32_t IndexOf(MidiPortHandle handle) { return static_cast<std::int32_t>(handle) - 1; }
+
+}  // namespace
+
+std::size_t ShortMessageLength(std::uint8_t status) {
+  switch (status & 0xF0) {
+    case 0xC0:
+    case 0xD0: return 2;
+    case 0xF0:
+      if (status == 0xF1 || status == 0xF3) return 2;
+      if (status == 0xF2) return 3;
+      return 1;
+    default: return 3;
+  }
+}
+
+CVirtualMidiPorts::CVirtualMidiPorts(std::int32_t count, CMidiPortListener& listener)
+    : m_count(count), m_listener(listener) {}
+
+HRESULT CVirtualMidiPorts::QueryInterface(REFIID iid, void** object) {
+  if (!object) return E_POINTER;
+  if (iid == IID_IUnknown || iid == IID_IHostMidiPorts || iid == IID_IHostMidiPorts2) {
+    *object = static_cast<IHostMidiPorts2*>(this);
+    AddRef();
+    return S_OK;
+  }
+  *object = nullptr;
+  return E_NOINTERFACE;
+}
+
+std::int32_t CVirtualMidiPorts::GetInputPortCount() { return m_count; }
+std::int32_t CVirtualMidiPorts::GetOutputPortCount() { return m_count; }
+
+HRESULT CVirtualMidiPorts::CopyName(const std::wstring& text, wchar_t* name,
+                                    std::uint32_t capacity) {
+  if (!name || capacity == 0) return E_POINTER;
+  const std::size_t n = std::min<std::size_t>(text.size(), capacity - 1);
+  std::wmemcpy(name, text.data(), n);
+  name[n] = L'\0';
+  return S_OK;
+}
+
+HRESULT CVirtualMidiPorts::GetInputPortName(std::int32_t index, wchar_t* name,
+                                            std::uint32_t capacity) {
+  if (!ValidIndex(index)) return E_INVALIDARG;
+  return CopyName(L"Virtual In " + std::to_wstring(index + 1), name, capacity);
+}
+
+HRESULT CVirtualMidiPorts::GetOutputPortName(std::int32_t index, wchar_t* name,
+                                             std::uint32_t capacity) {
+  if (!ValidIndex(index)) return E_INVALIDARG;
+  return CopyName(L"Virtual Out " + std::to_wstring(index + 1), name, capacity);
+}
+
+HRESULT CVirtualMidiPorts::GetOutputPortHandle(std::int32_t index, MidiPortHandle* handle) {
+  if (!handle) return E_POINTER;
+  *handle = ValidIndex(index) ? static_cast<MidiPortHandle>(index + 1) : 0;
+  return *handle ? S_OK : E_INVALIDARG;
+}
+
+HRESULT CVirtualMidiPorts::SendShortMsg(MidiPortHandle handle, std::uint32_t message) {
+  if (!ValidIndex(IndexOf(handle))) return E_INVALIDARG;
+  const std::uint8_t bytes[3] = {static_cast<std::uint8_t>(message),
+                                 static_cast<std::uint8_t>(message >> 8),
+                                 static_cast<std::uint8_t>(message >> 16)};
+  m_listener.OnPortSend(IndexOf(handle), std::span(bytes, ShortMessageLength(bytes[0])));
+  return S_OK;
+}
+
+HRESULT CVirtualMidiPorts::SendSysexMsg(MidiPortHandle handle, const std::uint8_t* bytes,
+                                        std::uint32_t length) {
+  if (!ValidIndex(IndexOf(handle)) || (!bytes && length)) return E_INVALIDARG;
+  m_listener.OnPortSend(IndexOf(handle), std::span(bytes, length));
+  return S_OK;
+}
+
+HRESULT CVirtualMidiPorts::GetInputPortId(std::int32_t index, std::int32_t* id) {
+  if (!id) return E_POINTER;
+  *id = 1000 + index;
+  return ValidIndex(index) ? S_OK : E_INVALIDARG;
+}
+
+HRESULT CVirtualMidiPorts::GetOutputPortId(std::int32_t index, std::int32_t* id) {
+  if (!id) return E_POINTER;
+  *id = 2000 + index;
+  return ValidIndex(index) ? S_OK : E_INVALIDARG;
+}
