@@ -1,0 +1,150 @@
+// The neighbours of a filter under test: an upstream source whose output pin connects to the
+// filter's input and pushes samples into it, and a downstream sink whose input pin records all
+// that reaches it. Both are real filters on the frame, owned here; put them in a FakeGraph when
+// the test needs one. Stop the filters before the fakes go, so that disconnecting is allowed.
+#pragma once
+
+#include <condition_variable>
+#include <cstdint>
+#include <functional>
+#include <mutex>
+#include <optional>
+#include <span>
+#include <vector>
+
+#include "frame/interfaces.h"
+#include "frame/media_type.h"
+#include "platform/com_ptr.h"
+
+// A wave format record with consistent block align and byte rate.
+WaveFormat MakeWaveFormat(std::uint16_t tag, std::uint16_t channels, std::uint32_t samplesPerSec,
+                          std::uint16_t bitsPerSample);
+
+// What a pushed sample carries besides its bytes.
+struct SampleMarks {
+  std::optional<REFERENCE_TIME> start{};
+  std::optional<REFERENCE_TIME> stop{};  // used only with a start
+  bool syncPoint = false;
+  bool discontinuity = false;
+  bool preroll = false;
+  bool silent = false;               // set through ISampleSilence when the samples offer it
+  std::optional<CMediaType> type{};  // a type change carried by the sample
+};
+
+class FakeSource {
+ public:
+  struct Options {
+    bool samplesOfferSilence = false;
+    std::int32_t buffers = 4;
+    std::int32_t bufferBytes = 4096;
+  };
+
+  // The output pin offers and accepts exactly AudioMediaType(format), and always lends samples
+  // from an allocator of its own, as a host does.
+  explicit FakeSource(const WaveFormat& format);
+  FakeSource(const WaveFormat& format, Options options);
+  // Stops and disconnects both ends of the connection.
+  ~FakeSource();
+  FakeSource(const FakeSource&) = delete;
+  FakeSource& operator=(const FakeSource&) = delete;
+
+  // [graph thread] Connects the output pin to `input`.
+  HRESULT ConnectTo(IPin* input);
+  // [graph thread] Disconnects the peer, then the output pin.
+  void Disconnect();
+  // [graph thread] The source filter's state; Pause commits its allocator.
+  HRESULT Pause();
+  HRESULT Run();
+  HRESULT Stop();
+
+  // [streaming thread] Pushes one sample holding `bytes` with `marks`: the downstream Receive's
+  // answer, or why no buffer could be had (VFW_E_BUFFER_OVERFLOW for too many bytes).
+  HRESULT Push(std::span<const std::uint8_t> bytes, const SampleMarks& marks = {});
+  HRESULT PushFloats(std::span<const float> values, const SampleMarks& marks = {});
+  // [streaming thread] The downstream pin's answers.
+  HRESULT EndOfStream();
+  HRESULT BeginFlush();
+  HRESULT EndFlush();
+  HRESULT NewSegment(REFERENCE_TIME start, REFERENCE_TIME stop, double rate);
+
+  IPin* Output() const noexcept;
+  IBaseFilter* Filter() const noexcept;
+  // The allocator it lends from once connected, else null.
+  IMemAllocator* Allocator() const noexcept;
+  const CMediaType& Type() const noexcept { return m_type; }
+
+ private:
+  class SourceFilter;
+  class SourcePin;
+
+  CMediaType m_type;
+  ComPtr<IBaseFilter> m_filter;
+  SourceFilter* m_impl;  // owned through m_filter
+};
+
+// One sample as the sink saw it.
+struct ReceivedSample {
+  std::vector<std::uint8_t> bytes;  // the first actual-length bytes
+  std::int32_t actualLength;
+  std::int32_t size;
+  HRESULT timeResult;  // GetTime's answer; start and stop are valid when it succeeded
+  REFERENCE_TIME start;
+  REFERENCE_TIME stop;
+  bool syncPoint;
+  bool discontinuity;
+  bool preroll;
+  std::optional<bool> silent;  // empty when the sample offers no ISampleSilence
+};
+
+struct ReceivedSegment {
+  REFERENCE_TIME start;
+  REFERENCE_TIME stop;
+  double rate;
+};
+
+class FakeSink {
+ public:
+  struct Options {
+    // Which types the input pin takes; empty means any audio type.
+    std::function<bool(const CMediaType&)> accepts{};
+    // What its EnumMediaTypes offers, in order.
+    std::vector<CMediaType> preferred{};
+    // What GetAllocatorRequirements answers; empty means E_NOTIMPL.
+    std::optional<ALLOCATOR_PROPERTIES> requirements{};
+  };
+
+  FakeSink();
+  explicit FakeSink(Options options);
+  // Stops and disconnects both ends of the connection.
+  ~FakeSink();
+  FakeSink(const FakeSink&) = delete;
+  FakeSink& operator=(const FakeSink&) = delete;
+
+  IPin* Input() const noexcept;
+  IBaseFilter* Filter() const noexcept;
+  // [graph thread] The sink filter's state; it records only while not stopped.
+  HRESULT Pause();
+  HRESULT Run();
+  HRESULT Stop();
+  // [graph thread] Disconnects the peer, then the input pin.
+  void Disconnect();
+
+  // What Receive answers after recording a sample (S_OK at first).
+  void SetReceiveResult(HRESULT result);
+
+  // [any thread] What reached the input pin, in order.
+  std::vector<ReceivedSample> Samples() const;
+  std::vector<ReceivedSegment> Segments() const;
+  std::int32_t EndOfStreams() const;
+  std::int32_t BeginFlushes() const;
+  std::int32_t EndFlushes() const;
+  // Waits until at least `count` samples arrived; false after `timeoutMs`.
+  bool WaitForSamples(std::size_t count, int timeoutMs) const;
+
+ private:
+  class SinkFilter;
+  class SinkPin;
+
+  ComPtr<IBaseFilter> m_filter;
+  SinkFilter* m_impl;  // owned through m_filter
+};
