@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/support/fake_graph.h"
 #include "tests/support/test_instance.h"
 
 namespace {
@@ -189,6 +190,22 @@ TEST(FilterPins, AnnouncesChangesToTheObserverOnlyWhileConnected) {
   observer.RefuseChanges(true);
   EXPECT_EQ(instance->RemoveOutputPin(id), E_FAIL);
   EXPECT_EQ(instance->GetOutputPinCount(), 3) << "a refused change changes nothing";
+}
+
+TEST(FilterPins, TellsTheGraphOfEachChangeButOnlyWhenInOne) {
+  FakeGraph graph;
+  TestInstance instance;
+  std::uint32_t id = 0;
+  instance->AddOutputPin(nullptr, &id);
+  ASSERT_EQ(graph.AddFilter(&instance.filter(), L"Tarn"), S_OK);
+  instance->AddOutputPin(nullptr, &id);
+  instance->RemoveOutputPin(id);
+  const auto events = graph.Events();
+  ASSERT_EQ(events.size(), 2u);
+  EXPECT_EQ(events[0].code, EC_GRAPH_CHANGED);
+  EXPECT_EQ(events[0].param1, 0);
+  EXPECT_EQ(events[0].param2, 0);
+  graph.RemoveFilter(&instance.filter());
 }
 
 TEST(FilterStreaming, PauseStartsTheWorkerAndStopEndsIt) {

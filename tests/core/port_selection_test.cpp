@@ -1,6 +1,7 @@
 // Choosing ports by exact name, announcing ids, and the warning texts.
 #include <gtest/gtest.h>
 
+#include "ports/midi_manager.h"
 #include "tests/support/test_instance.h"
 
 namespace {
@@ -62,6 +63,38 @@ TEST(PortSelection, DisablingForgetsThePortAndReselectingDoesNotEnable) {
   rig.instance->IsOutputActive(&active);
   EXPECT_EQ(active, 0) << "output stays off until it is enabled again";
   rig.Stop();
+}
+
+}  // namespace
+
+namespace {
+
+TEST(PortSelection, AFailedInputChoiceKeepsTheOldOne) {
+  MessageBoxRecorder boxes;
+  ConnectedRig rig;
+  rig.ports.SetInputs({L"Keys", L"Pads"});
+  ASSERT_EQ(rig.instance->SelectInputPort(L"Pads"), S_OK);
+  EXPECT_EQ(rig.instance->SelectInputPort(L"Gone"), E_FAIL);
+  std::int32_t index = -1;
+  EXPECT_EQ(rig.instance->GetInputPortIndex(&index), S_OK);
+  EXPECT_EQ(index, 1);
+  EXPECT_EQ(rig.ports.UsedInputIds(), std::vector<std::int32_t>{FakeMidiPorts::kInputIdBase + 1});
+}
+
+TEST(MidiManager, LooksUpByIdWithAFallbackAndByNameThroughAliases) {
+  EXPECT_FALSE(CMIDIManager::AnyDestroyed());
+  {
+    CMIDIManager manager;
+    EXPECT_EQ(manager.FindById(1), nullptr);
+    manager.AddPort(7, L"Synth");
+    manager.AddPort(9, L"Drums");
+    manager.AddAlias(L"Old Synth", L"Synth");
+    EXPECT_EQ(manager.FindById(9)->name, L"Drums");
+    EXPECT_EQ(manager.FindById(42)->name, L"Synth") << "no match gives the first entry";
+    EXPECT_EQ(manager.FindByName(L"Old Synth")->id, 7u);
+    EXPECT_EQ(manager.FindByName(L"drums"), nullptr);
+  }
+  EXPECT_TRUE(CMIDIManager::AnyDestroyed());
 }
 
 }  // namespace
