@@ -50,8 +50,8 @@ class CBasePin : public CUnknown, public IPin {
   HRESULT STDMETHODCALLTYPE NewSegment(REFERENCE_TIME start, REFERENCE_TIME stop,
                                        double rate) override;
 
-  // [graph thread, filter lock] S_OK when the pin takes `type`; anything else refuses it
-  // (VFW_E_TYPE_NOT_ACCEPTED is the usual answer).
+  // [graph thread, filter lock; streaming thread for a sample that changes the type] S_OK when
+  // the pin takes `type`; anything else refuses it (VFW_E_TYPE_NOT_ACCEPTED is the usual answer).
   virtual HRESULT CheckMediaType(const CMediaType& type) = 0;
   // [graph thread, filter lock] Records the agreed type; S_OK.
   virtual HRESULT SetMediaType(const CMediaType& type);

@@ -6,7 +6,8 @@
 // Threads named in the tags:
 //   graph thread     - whoever drives the graph: connects pins, changes state (Stop/Pause/Run);
 //   streaming thread - the thread that pushes samples, end of stream and new segments;
-//   any thread       - no restriction.
+//   any thread       - no restriction;
+//   holder           - the one thread that holds the sample at the time.
 // "filter lock" means the operation takes the filter's lock itself.
 #pragma once
 
@@ -45,10 +46,8 @@ struct ALLOCATOR_PROPERTIES {
 };
 static_assert(sizeof(ALLOCATOR_PROPERTIES) == 16);
 
-// Flags of IMemAllocator::GetBuffer.
-inline constexpr std::uint32_t AM_GBF_PREVFRAMESKIPPED = 1;
-inline constexpr std::uint32_t AM_GBF_NOTASYNCPOINT = 2;
-inline constexpr std::uint32_t AM_GBF_NOWAIT = 4;  // fail with VFW_E_TIMEOUT instead of waiting
+// A flag of IMemAllocator::GetBuffer: fail with VFW_E_TIMEOUT instead of waiting.
+inline constexpr std::uint32_t AM_GBF_NOWAIT = 4;
 
 inline constexpr std::size_t MAX_PIN_NAME = 128;
 inline constexpr std::size_t MAX_FILTER_NAME = 128;
@@ -221,7 +220,8 @@ struct IPin : IUnknown {
   // this pin's, keeping those that fit. VFW_E_ALREADY_CONNECTED, VFW_E_NOT_STOPPED,
   // VFW_E_NO_ACCEPTABLE_TYPES, or the refusal of the one type tried.
   virtual HRESULT STDMETHODCALLTYPE Connect(IPin* receiver, const CMediaType* type) = 0;
-  // [graph thread, filter lock] Called by a connecting pin on the pin it connects to.
+  // [graph thread, filter lock] Called by a connecting pin on the pin it connects to, with
+  // the one type to take: S_OK, VFW_E_ALREADY_CONNECTED, VFW_E_NOT_STOPPED or the refusal.
   virtual HRESULT STDMETHODCALLTYPE ReceiveConnection(IPin* connector, const CMediaType* type) = 0;
   // [graph thread, filter lock] Drops this side of the connection: S_OK, S_FALSE when not
   // connected, VFW_E_NOT_STOPPED unless the filter is stopped.

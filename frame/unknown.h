@@ -64,10 +64,6 @@ class CUnknown : public INonDelegatingUnknown, public CBaseObject {
   // and what a class factory hands out for a new object.
   IUnknown* NonDelegatingUnknown() noexcept { return &m_inner; }
 
- protected:
-  // The current count; for tests and diagnostics only, as it may change at once.
-  ULONG RefCount() const noexcept { return m_refs.load(); }
-
  private:
   // The non-delegating face as a real IUnknown, forwarding to the Non* operations.
   class Inner final : public IUnknown {
