@@ -1,8 +1,9 @@
-// The output worker against bare baselines in the same run:
-//  - hand-off: PostToWorker to the port's SendShortMsg, one post per 5.33 ms (256 frames at
-//    48 kHz), against a bare mutex-and-condition-variable wake of a sleeping thread;
-//  - throughput: one-message events through the worker in batches of 1, 16 and 256, against a
-//    bare queue of 8-byte records drained in batches by a thread.
+// The output worker and the live input road against bare baselines in the same run:
+//  - hand-off: PostToWorker (or OnInput with one message) to the port's SendShortMsg, one post
+//    per 5.33 ms (256 frames at 48 kHz), against a bare mutex-and-condition-variable wake of a
+//    sleeping thread;
+//  - throughput: one-message events through the worker (or records through OnInput) in batches
+//    of 1, 16 and 256, against a bare queue of 8-byte records drained in batches by a thread.
 #include <algorithm>
 #include <atomic>
 #include <chrono>
@@ -52,9 +53,9 @@ struct BenchRig {
   }
 };
 
-void BM_HandOff_Worker(benchmark::State& state) {
-  BenchRig bench;
-  const CStoredEvent event = CStoredEvent::FromMessage(ShortMessage::FromBytes(0x90, 60, 100));
+// Hands one message to the instance the way a producer does: posted, or delivered live.
+template <class Produce>
+void HandOff(benchmark::State& state, BenchRig& bench, Produce produce) {
   std::vector<double> micros;
   for (auto _ : state) {
     micros.clear();
@@ -63,7 +64,7 @@ void BM_HandOff_Worker(benchmark::State& state) {
       next += kHostPeriod;
       std::this_thread::sleep_until(next);
       const auto t0 = Clock::now();
-      bench.rig.instance->PostToWorker(event);
+      produce();
       while (bench.sends.load(std::memory_order_acquire) < static_cast<std::uint64_t>(i) + 1) {
       }
       const auto t1 = Clock::time_point(Clock::duration(bench.lastSendNs.load()));
@@ -71,6 +72,18 @@ void BM_HandOff_Worker(benchmark::State& state) {
     }
   }
   ReportLatencies(state, micros);
+}
+
+void BM_HandOff_Worker(benchmark::State& state) {
+  BenchRig bench;
+  const CStoredEvent event = CStoredEvent::FromMessage(ShortMessage::FromBytes(0x90, 60, 100));
+  HandOff(state, bench, [&] { bench.rig.instance->PostToWorker(event); });
+}
+
+void BM_HandOff_OnInput(benchmark::State& state) {
+  BenchRig bench;
+  FakeDataList list({{0, ShortMessage::FromBytes(0x90, 60, 100).message}});
+  HandOff(state, bench, [&] { bench.rig.instance->OnInput(0, &list); });
 }
 
 // The least a hand-off can cost: wake a thread asleep on a condition variable.
@@ -119,19 +132,35 @@ void BM_HandOff_BareWake(benchmark::State& state) {
   ReportLatencies(state, micros);
 }
 
-void BM_Throughput_Worker(benchmark::State& state) {
+// Sends `batch` messages per iteration through `produce(batch)` and waits until all arrived.
+template <class Produce>
+void Throughput(benchmark::State& state, BenchRig& bench, Produce produce) {
   const auto batch = static_cast<std::uint64_t>(state.range(0));
-  BenchRig bench;
-  const CStoredEvent event = CStoredEvent::FromMessage(ShortMessage::FromBytes(0x90, 60, 100));
   std::uint64_t target = 0;
   for (auto _ : state) {
-    for (std::uint64_t i = 0; i < batch; ++i) bench.rig.instance->PostToWorker(event);
+    produce(batch);
     target += batch;
     bench.WaitForSends(target);
   }
   state.SetItemsProcessed(static_cast<std::int64_t>(target));
   state.counters["ns_per_msg"] = benchmark::Counter(
       static_cast<double>(target), benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+}
+
+void BM_Throughput_Worker(benchmark::State& state) {
+  BenchRig bench;
+  const CStoredEvent event = CStoredEvent::FromMessage(ShortMessage::FromBytes(0x90, 60, 100));
+  Throughput(state, bench, [&](std::uint64_t batch) {
+    for (std::uint64_t i = 0; i < batch; ++i) bench.rig.instance->PostToWorker(event);
+  });
+}
+
+void BM_Throughput_OnInput(benchmark::State& state) {
+  BenchRig bench;
+  const std::vector<HostDataRecord> records(static_cast<std::size_t>(state.range(0)),
+                                            {0, ShortMessage::FromBytes(0x90, 60, 100).message});
+  FakeDataList list(records);
+  Throughput(state, bench, [&](std::uint64_t) { bench.rig.instance->OnInput(0, &list); });
 }
 
 // A bare queue of 8-byte records: the producer appends under a lock and wakes the drainer, which
@@ -187,6 +216,8 @@ void BM_Throughput_BareQueue(benchmark::State& state) {
 
 BENCHMARK(BM_HandOff_BareWake)->Iterations(1)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_HandOff_Worker)->Iterations(1)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_Throughput_BareQueue)->Arg(1)->Arg(16)->Arg(256);
-BENCHMARK(BM_Throughput_Worker)->Arg(1)->Arg(16)->Arg(256);
+BENCHMARK(BM_HandOff_OnInput)->Iterations(1)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_Throughput_BareQueue)->Arg(1)->Arg(16)->Arg(256)->UseRealTime();
+BENCHMARK(BM_Throughput_Worker)->Arg(1)->Arg(16)->Arg(256)->UseRealTime();
+BENCHMARK(BM_Throughput_OnInput)->Arg(1)->Arg(16)->Arg(256)->UseRealTime();
 BENCHMARK_MAIN();

@@ -21,6 +21,9 @@ Clock::time_point DeadlineAfter(std::int64_t timeoutMs) {
 
 void CAutoResetEvent::Set() {
   std::lock_guard lock(m_mutex);
+  // Already set: every waiter was woken then, or will find it set. Waking again would only cost
+  // a system call per post while the worker is on its way.
+  if (m_signalled) return;
   m_signalled = true;
   m_cv.notify_one();
   for (WaitLink* link = m_links; link; link = link->next) {
@@ -71,6 +74,11 @@ bool CAutoResetEvent::Wait(std::int64_t timeoutMs) {
 }
 
 int WaitForEither(CAutoResetEvent& first, CAutoResetEvent& second, std::int64_t timeoutMs) {
+  // A worker that comes back from a batch usually finds more work set: take it without linking.
+  if (first.TryConsume()) return 0;
+  if (second.TryConsume()) return 1;
+  if (timeoutMs == 0) return -1;
+
   CAutoResetEvent::Waiter waiter;
   CAutoResetEvent::WaitLink firstLink{&waiter, nullptr};
   CAutoResetEvent::WaitLink secondLink{&waiter, nullptr};
