@@ -2,7 +2,9 @@
 
 #include <cstring>
 #include <new>
+#include <functional>
 #include <typeinfo>
+#include <vector>
 
 namespace {
 
@@ -80,6 +82,11 @@ void CBase64Coder::Encode(const char* text) {
 void CBase64Coder::Encode(const unsigned char* data, std::uint32_t size) {
   // The text side is asked for twice the size.
   if (size > UINT32_MAX / 2) throw std::bad_alloc();
+  if (IsOwnBuffer(data)) {
+    const std::vector<unsigned char> copy(data, data + size);
+    Encode(copy.data(), size);
+    return;
+  }
   SetDecodeBuffer(data, size);
   AllocEncode(size * 2);
   if (IsPlainCoder()) {
@@ -102,6 +109,11 @@ void CBase64Coder::Decode(const char* text) {
 void CBase64Coder::Decode(const unsigned char* data, std::uint32_t size) {
   // Built once, safely when several threads decode for the first time together.
   [[maybe_unused]] static const bool built = (_Init(), true);
+  if (IsOwnBuffer(data)) {
+    const std::vector<unsigned char> copy(data, data + size);
+    Decode(copy.data(), size);
+    return;
+  }
   SetEncodeBuffer(data, size);
   AllocDecode(size);
   if (IsPlainCoder()) {
@@ -247,6 +259,14 @@ void CBase64Coder::FilterText(const unsigned char* data, std::uint32_t size, IsB
   // The last character may have been written and not kept; the buffer stays zero-terminated.
   if (kept < m_encodedCapacity) m_encodedBuffer[kept] = 0;
   m_encodedSize = kept;
+}
+
+bool CBase64Coder::IsOwnBuffer(const unsigned char* data) const {
+  const auto within = [data](const unsigned char* buffer, std::uint32_t capacity) {
+    const std::less<const unsigned char*> before;
+    return buffer && !before(data, buffer) && before(data, buffer + capacity);
+  };
+  return within(m_encodedBuffer, m_encodedCapacity) || within(m_decodedBuffer, m_decodedCapacity);
 }
 
 bool CBase64Coder::IsPlainCoder() const { return typeid(*this) == typeid(CBase64Coder); }

@@ -7,7 +7,7 @@
 // decodes to 41 00 00 with size 3. The saved state's readers are built around that.
 //
 // Each step is virtual so that a derived coder can change it. Coders are not shared between
-// threads; every use has a local coder.
+// threads; every use has a local coder. The input of a call may be the coder's own result.
 #pragma once
 
 #include <cstdint>
@@ -95,6 +95,8 @@ class TARN_EXPORT CBase64Coder {
   void DecodeGroups(Step step);
   template <class IsBad>
   void FilterText(const unsigned char* data, std::uint32_t size, IsBad isBad);
+  // Whether `data` lies in one of this coder's buffers, which a call clears before reading.
+  bool IsOwnBuffer(const unsigned char* data) const;
   // Whether this object is a plain CBase64Coder, whose steps can be called directly.
   bool IsPlainCoder() const;
 };

@@ -105,23 +105,25 @@ const char* TiXmlDeclaration::Parse(const char* p, TiXmlParsingData* data,
   standalone.clear();
   p = SkipWhiteSpace(p);
   Stamp(p, data);
-  const char* start = p;
   if (StringEqual(p, "<?xml", true)) {
     p += 5;
-    while (p && *p) {
+    while (*p) {
       if (*p == '>') return p + 1;
       p = SkipWhiteSpace(p);
+      const char* after = p;
       if (StringEqual(p, "version", true))
-        p = ReadField(p, data, &version);
+        after = ReadField(p, data, &version);
       else if (StringEqual(p, "encoding", true))
-        p = ReadField(p, data, &encoding);
+        after = ReadField(p, data, &encoding);
       else if (StringEqual(p, "standalone", true))
-        p = ReadField(p, data, &standalone);
+        after = ReadField(p, data, &standalone);
       else
-        while (*p && *p != '>' && !IsWhiteSpace(*p)) ++p;
+        while (*after && *after != '>' && !IsWhiteSpace(*after)) ++after;
+      if (!after) break;
+      p = after;
     }
   }
-  SetError(GetDocument(), TIXML_ERROR_PARSING_DECLARATION, start, data);
+  SetError(GetDocument(), TIXML_ERROR_PARSING_DECLARATION, p, data);
   return nullptr;
 }
 

@@ -60,7 +60,8 @@ class TARN_EXPORT TiXmlDeclaration : public TiXmlNode {
   void Print(std::FILE* file, int depth) const override;
   void StreamOut(std::ostream* out) const override;
   // Requires "<?xml" in exact case, then reads version, encoding and standalone up to ">",
-  // stepping over any other word. Error 12 when it does not start so or never reaches ">".
+  // stepping over any other word. Error 12, where reading stopped, when it does not start so
+  // or never reaches ">".
   const char* Parse(const char* p, TiXmlParsingData* data, TiXmlNode* parent) override;
   TiXmlNode* Clone() const override;
   void StreamIn(std::istream* in, std::string* tag) override;
