@@ -190,8 +190,9 @@ void CBase64Coder::_Init() {
     m_DecodeTable[c] = i;
     m_DecodeTable[c | 0x80] = i;
   }
-  m_DecodeTable['='] = kPad;
-  m_DecodeTable['=' | 0x80] = kPad;
+  constexpr unsigned char kPadChar = '=';
+  m_DecodeTable[kPadChar] = kPad;
+  m_DecodeTable[kPadChar | 0x80] = kPad;
   m_Init = 1;
 }
 
