@@ -14,6 +14,8 @@ constexpr unsigned char kNotInAlphabet = 0xFE;
 constexpr unsigned char kPad = 0xFF;
 
 // The steps themselves, shared by the virtual operations and the direct path of a plain coder.
+// The direct path writes straight to the output: going through a bucket on the stack costs a
+// stalled store-to-load forward for each group.
 void SplitGroup(TempBucket& out, const TempBucket& in) {
   out.data[0] = static_cast<unsigned char>(in.data[0] >> 2);
   out.data[1] = static_cast<unsigned char>(((in.data[0] & 0x03) << 4) | (in.data[1] >> 4));
@@ -22,18 +24,27 @@ void SplitGroup(TempBucket& out, const TempBucket& in) {
   out.size = 4;
 }
 
-void WriteCharacters(const TempBucket& values, unsigned char bytes, const char* alphabet,
-                     unsigned char* out) {
-  for (int i = 0; i < 4; ++i) out[i] = static_cast<unsigned char>(alphabet[values.data[i]]);
+void Pad(unsigned char bytes, unsigned char* out) {
   if (bytes < 3) out[3] = '=';
   if (bytes < 2) out[2] = '=';
 }
 
-void JoinGroup(TempBucket& out, const TempBucket& in) {
+void WriteCharacters(const TempBucket& values, unsigned char bytes, const char* alphabet,
+                     unsigned char* out) {
+  for (int i = 0; i < 4; ++i) out[i] = static_cast<unsigned char>(alphabet[values.data[i]]);
+  Pad(bytes, out);
+}
+
+// Four values a, b, c, d to three bytes, with 8-bit arithmetic.
+void JoinInto(const TempBucket& in, unsigned char* out) {
   const unsigned a = in.data[0], b = in.data[1], c = in.data[2], d = in.data[3];
-  out.data[0] = static_cast<unsigned char>((a << 2) | ((b >> 4) & 3));
-  out.data[1] = static_cast<unsigned char>((b << 4) | ((c >> 2) & 15));
-  out.data[2] = static_cast<unsigned char>((c << 6) | (d & 63));
+  out[0] = static_cast<unsigned char>((a << 2) | ((b >> 4) & 3));
+  out[1] = static_cast<unsigned char>((b << 4) | ((c >> 2) & 15));
+  out[2] = static_cast<unsigned char>((c << 6) | (d & 63));
+}
+
+void JoinGroup(TempBucket& out, const TempBucket& in) {
+  JoinInto(in, out.data);
   out.data[3] = 0;
   out.size = 3;
 }
@@ -48,6 +59,30 @@ std::uint32_t WriteBytes(const TempBucket& bytes, unsigned char* out) {
 }
 
 bool IsBadMime(unsigned char c) { return (c >= 7 && c <= 13) || c == 32; }
+
+// Whether any of the eight bytes is one that decoding skips, tested a word at a time with the
+// usual bit tricks: a byte between 6 and 14 exclusive, or a blank.
+bool HasBadMime(std::uint64_t word) {
+  constexpr std::uint64_t kOnes = 0x0101010101010101u;
+  constexpr std::uint64_t kLow7 = kOnes * 127;
+  constexpr std::uint64_t kHigh = kOnes * 128;
+  const std::uint64_t low = word & kLow7;
+  const std::uint64_t between = (kOnes * (127 + 14) - low) & ~word & (low + kOnes * (127 - 6));
+  const std::uint64_t blanks = word ^ (kOnes * ' ');
+  return ((between | ((blanks - kOnes) & ~blanks)) & kHigh) != 0;
+}
+
+// The index of the first character at or after `from` that decoding skips, or `size`.
+std::uint32_t FirstBadMime(const unsigned char* data, std::uint32_t from, std::uint32_t size) {
+  std::uint64_t word = 0;
+  while (size - from >= sizeof word) {
+    std::memcpy(&word, data + from, sizeof word);
+    if (HasBadMime(word)) break;
+    from += sizeof word;
+  }
+  while (from < size && !IsBadMime(data[from])) ++from;
+  return from;
+}
 
 void Reserve(unsigned char*& buffer, std::uint32_t& capacity, std::uint32_t size) {
   if (size > capacity) {
@@ -91,9 +126,12 @@ void CBase64Coder::Encode(const unsigned char* data, std::uint32_t size) {
   AllocEncode(size * 2);
   if (IsPlainCoder()) {
     EncodeGroups([](const TempBucket& in, unsigned char* out) {
-      TempBucket values;
-      SplitGroup(values, in);
-      WriteCharacters(values, in.size, m_Alphabet, out);
+      const unsigned a = in.data[0], b = in.data[1], c = in.data[2];
+      out[0] = static_cast<unsigned char>(m_Alphabet[a >> 2]);
+      out[1] = static_cast<unsigned char>(m_Alphabet[((a & 0x03) << 4) | (b >> 4)]);
+      out[2] = static_cast<unsigned char>(m_Alphabet[((b & 0x0F) << 2) | (c >> 6)]);
+      out[3] = static_cast<unsigned char>(m_Alphabet[c & 0x3F]);
+      Pad(in.size, out);
     });
   } else {
     EncodeGroups([this](const TempBucket& in, unsigned char* out) { _EncodeToBuffer(in, out); });
@@ -117,11 +155,7 @@ void CBase64Coder::Decode(const unsigned char* data, std::uint32_t size) {
   SetEncodeBuffer(data, size);
   AllocDecode(size);
   if (IsPlainCoder()) {
-    DecodeGroups([](const TempBucket& in, unsigned char* out) {
-      TempBucket bytes;
-      JoinGroup(bytes, in);
-      WriteBytes(bytes, out);
-    });
+    DecodeGroups([](const TempBucket& in, unsigned char* out) { JoinInto(in, out); });
   } else {
     DecodeGroups([this](const TempBucket& in, unsigned char* out) { _DecodeToBuffer(in, out); });
   }
@@ -152,10 +186,14 @@ void CBase64Coder::AllocDecode(std::uint32_t size) {
 void CBase64Coder::SetEncodeBuffer(const unsigned char* data, std::uint32_t size) {
   if (!data) size = 0;
   AllocEncode(size);
-  if (IsPlainCoder())
-    FilterText(data, size, IsBadMime);
-  else
-    FilterText(data, size, [this](unsigned char c) { return _IsBadMimeChar(c) != 0; });
+  if (IsPlainCoder()) {
+    FilterText(data, size, FirstBadMime);
+  } else {
+    FilterText(data, size, [this](const unsigned char* text, std::uint32_t from, std::uint32_t end) {
+      while (from < end && !_IsBadMimeChar(text[from])) ++from;
+      return from;
+    });
+  }
 }
 
 void CBase64Coder::SetDecodeBuffer(const unsigned char* data, std::uint32_t size) {
@@ -196,69 +234,74 @@ void CBase64Coder::_Init() {
   m_Init = 1;
 }
 
+// The loops keep pointers and counts in locals: stores through a byte pointer could alias any
+// member, which would force a reload of every one of them for each group.
 template <class Step>
 void CBase64Coder::EncodeGroups(Step step) {
   const unsigned char* in = m_decodedBuffer;
-  const std::uint32_t size = m_decodedSize;
+  const unsigned char* const fullEnd = in + m_decodedSize / 3 * 3;
+  const std::uint32_t left = m_decodedSize % 3;
+  unsigned char* out = m_encodedBuffer;
   TempBucket bucket;
   bucket.Clear();
-  std::uint32_t i = 0;
-  for (; size - i >= 3; i += 3) {
-    bucket.data[0] = in[i];
-    bucket.data[1] = in[i + 1];
-    bucket.data[2] = in[i + 2];
-    bucket.size = 3;
-    step(bucket, m_encodedBuffer + m_encodedSize);
-    m_encodedSize += 4;
+  bucket.size = 3;
+  for (; in != fullEnd; in += 3, out += 4) {
+    bucket.data[0] = in[0];
+    bucket.data[1] = in[1];
+    bucket.data[2] = in[2];
+    step(bucket, out);
   }
-  if (i < size) {
+  if (left) {
     bucket.Clear();
-    for (std::uint32_t j = i; j < size; ++j) bucket.data[j - i] = in[j];
-    bucket.size = static_cast<unsigned char>(size - i);
-    step(bucket, m_encodedBuffer + m_encodedSize);
-    m_encodedSize += 4;
+    for (std::uint32_t j = 0; j < left; ++j) bucket.data[j] = in[j];
+    bucket.size = static_cast<unsigned char>(left);
+    step(bucket, out);
+    out += 4;
   }
+  m_encodedSize = static_cast<std::uint32_t>(out - m_encodedBuffer);
 }
 
 template <class Step>
 void CBase64Coder::DecodeGroups(Step step) {
   const unsigned char* text = m_encodedBuffer;
-  const std::uint32_t size = m_encodedSize;
-  const auto lookUp = [](unsigned char c) { return m_DecodeTable[c]; };
+  const unsigned char* const fullEnd = text + m_encodedSize / 4 * 4;
+  const std::uint32_t left = m_encodedSize % 4;
+  const unsigned char* table = m_DecodeTable;
+  unsigned char* out = m_decodedBuffer;
   // Padding in the last two places, and anywhere in a short tail, counts as zero.
-  const auto lookUpTail = [](unsigned char c) {
-    const unsigned char v = m_DecodeTable[c];
-    return v == kPad ? static_cast<unsigned char>(0) : v;
-  };
+  unsigned char tail[256];
+  for (int c = 0; c < 256; ++c) tail[c] = table[c] == kPad ? 0 : table[c];
   TempBucket bucket;
-  std::uint32_t i = 0;
-  for (; size - i >= 4; i += 4) {
-    bucket.data[0] = lookUp(text[i]);
-    bucket.data[1] = lookUp(text[i + 1]);
-    bucket.data[2] = lookUpTail(text[i + 2]);
-    bucket.data[3] = lookUpTail(text[i + 3]);
-    bucket.size = 4;
-    step(bucket, m_decodedBuffer + m_decodedSize);
-    m_decodedSize += 3;
+  bucket.size = 4;
+  for (; text != fullEnd; text += 4, out += 3) {
+    bucket.data[0] = table[text[0]];
+    bucket.data[1] = table[text[1]];
+    bucket.data[2] = tail[text[2]];
+    bucket.data[3] = tail[text[3]];
+    step(bucket, out);
   }
-  if (i < size) {
+  if (left) {
     bucket.Clear();
-    for (std::uint32_t j = i; j < size; ++j) bucket.data[j - i] = lookUpTail(text[j]);
-    bucket.size = static_cast<unsigned char>(size - i);
-    step(bucket, m_decodedBuffer + m_decodedSize);
-    m_decodedSize += size - i;
+    for (std::uint32_t j = 0; j < left; ++j) bucket.data[j] = tail[text[j]];
+    bucket.size = static_cast<unsigned char>(left);
+    step(bucket, out);
+    out += left;
   }
+  m_decodedSize = static_cast<std::uint32_t>(out - m_decodedBuffer);
 }
 
-template <class IsBad>
-void CBase64Coder::FilterText(const unsigned char* data, std::uint32_t size, IsBad isBad) {
+// Copies runs between skipped characters as blocks: base64 text has few of them.
+template <class FindBad>
+void CBase64Coder::FilterText(const unsigned char* data, std::uint32_t size, FindBad findBad) {
+  unsigned char* out = m_encodedBuffer;
   std::uint32_t kept = 0;
-  for (std::uint32_t i = 0; i < size; ++i) {
-    m_encodedBuffer[kept] = data[i];
-    kept += isBad(data[i]) ? 0u : 1u;
+  std::uint32_t i = 0;
+  while (i < size) {
+    const std::uint32_t run = findBad(data, i, size);
+    std::memcpy(out + kept, data + i, run - i);
+    kept += run - i;
+    i = run + 1;
   }
-  // The last character may have been written and not kept; the buffer stays zero-terminated.
-  if (kept < m_encodedCapacity) m_encodedBuffer[kept] = 0;
   m_encodedSize = kept;
 }
 
