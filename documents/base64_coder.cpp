@@ -1,0 +1,316 @@
+#include "documents/base64_coder.h"
+
+#include <cstring>
+#include <new>
+#include <functional>
+#include <typeinfo>
+#include <vector>
+
+namespace {
+
+using TempBucket = CBase64Coder::TempBucket;
+
+constexpr unsigned char kNotInAlphabet = 0xFE;
+constexpr unsigned char kPad = 0xFF;
+
+// The steps themselves, shared by the virtual operations and the direct path of a plain coder.
+// The direct path writes straight to the output: going through a bucket on the stack costs a
+// stalled store-to-load forward for each group.
+void SplitGroup(TempBucket& out, const TempBucket& in) {
+  out.data[0] = static_cast<unsigned char>(in.data[0] >> 2);
+  out.data[1] = static_cast<unsigned char>(((in.data[0] & 0x03) << 4) | (in.data[1] >> 4));
+  out.data[2] = static_cast<unsigned char>(((in.data[1] & 0x0F) << 2) | (in.data[2] >> 6));
+  out.data[3] = static_cast<unsigned char>(in.data[2] & 0x3F);
+  out.size = 4;
+}
+
+void Pad(unsigned char bytes, unsigned char* out) {
+  if (bytes < 3) out[3] = '=';
+  if (bytes < 2) out[2] = '=';
+}
+
+void WriteCharacters(const TempBucket& values, unsigned char bytes, const char* alphabet,
+                     unsigned char* out) {
+  for (int i = 0; i < 4; ++i) out[i] = static_cast<unsigned char>(alphabet[values.data[i]]);
+  Pad(bytes, out);
+}
+
+// Four values a, b, c, d to three bytes, with 8-bit arithmetic.
+void JoinInto(const TempBucket& in, unsigned char* out) {
+  const unsigned a = in.data[0], b = in.data[1], c = in.data[2], d = in.data[3];
+  out[0] = static_cast<unsigned char>((a << 2) | ((b >> 4) & 3));
+  out[1] = static_cast<unsigned char>((b << 4) | ((c >> 2) & 15));
+  out[2] = static_cast<unsigned char>((c << 6) | (d & 63));
+}
+
+void JoinGroup(TempBucket& out, const TempBucket& in) {
+  JoinInto(in, out.data);
+  out.data[3] = 0;
+  out.size = 3;
+}
+
+std::uint32_t WriteBytes(const TempBucket& bytes, unsigned char* out) {
+  std::uint32_t below255 = 0;
+  for (int i = 0; i < 3; ++i) {
+    out[i] = bytes.data[i];
+    below255 += bytes.data[i] < 255 ? 1u : 0u;
+  }
+  return below255;
+}
+
+bool IsBadMime(unsigned char c) { return (c >= 7 && c <= 13) || c == 32; }
+
+// Whether any of the eight bytes is one that decoding skips, tested a word at a time with the
+// usual bit tricks: a byte between 6 and 14 exclusive, or a blank.
+bool HasBadMime(std::uint64_t word) {
+  constexpr std::uint64_t kOnes = 0x0101010101010101u;
+  constexpr std::uint64_t kLow7 = kOnes * 127;
+  constexpr std::uint64_t kHigh = kOnes * 128;
+  const std::uint64_t low = word & kLow7;
+  const std::uint64_t between = (kOnes * (127 + 14) - low) & ~word & (low + kOnes * (127 - 6));
+  const std::uint64_t blanks = word ^ (kOnes * ' ');
+  return ((between | ((blanks - kOnes) & ~blanks)) & kHigh) != 0;
+}
+
+// The index of the first character at or after `from` that decoding skips, or `size`.
+std::uint32_t FirstBadMime(const unsigned char* data, std::uint32_t from, std::uint32_t size) {
+  std::uint64_t word = 0;
+  while (size - from >= sizeof word) {
+    std::memcpy(&word, data + from, sizeof word);
+    if (HasBadMime(word)) break;
+    from += sizeof word;
+  }
+  while (from < size && !IsBadMime(data[from])) ++from;
+  return from;
+}
+
+void Reserve(unsigned char*& buffer, std::uint32_t& capacity, std::uint32_t size) {
+  if (size > capacity) {
+    const std::uint64_t grown = ((std::uint64_t{size} >> 12) + 1) << 12;
+    if (grown > UINT32_MAX) throw std::bad_alloc();
+    delete[] buffer;
+    buffer = nullptr;
+    buffer = new unsigned char[grown];
+    capacity = static_cast<std::uint32_t>(grown);
+  }
+  if (buffer) std::memset(buffer, 0, capacity);
+}
+
+}  // namespace
+
+unsigned char CBase64Coder::m_DecodeTable[256];
+std::uint32_t CBase64Coder::m_Init = 0;
+const char CBase64Coder::m_Alphabet[65] =
+    "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+
+CBase64Coder::~CBase64Coder() {
+  delete[] m_decodedBuffer;
+  delete[] m_encodedBuffer;
+}
+
+void CBase64Coder::Encode(const char* text) {
+  if (text)
+    Encode(reinterpret_cast<const unsigned char*>(text),
+           static_cast<std::uint32_t>(std::strlen(text)));
+}
+
+void CBase64Coder::Encode(const unsigned char* data, std::uint32_t size) {
+  // The text side is asked for twice the size.
+  if (size > UINT32_MAX / 2) throw std::bad_alloc();
+  if (IsOwnBuffer(data)) {
+    const std::vector<unsigned char> copy(data, data + size);
+    Encode(copy.data(), size);
+    return;
+  }
+  SetDecodeBuffer(data, size);
+  AllocEncode(size * 2);
+  if (IsPlainCoder()) {
+    EncodeGroups([](const TempBucket& in, unsigned char* out) {
+      const unsigned a = in.data[0], b = in.data[1], c = in.data[2];
+      out[0] = static_cast<unsigned char>(m_Alphabet[a >> 2]);
+      out[1] = static_cast<unsigned char>(m_Alphabet[((a & 0x03) << 4) | (b >> 4)]);
+      out[2] = static_cast<unsigned char>(m_Alphabet[((b & 0x0F) << 2) | (c >> 6)]);
+      out[3] = static_cast<unsigned char>(m_Alphabet[c & 0x3F]);
+      Pad(in.size, out);
+    });
+  } else {
+    EncodeGroups([this](const TempBucket& in, unsigned char* out) { _EncodeToBuffer(in, out); });
+  }
+}
+
+void CBase64Coder::Decode(const char* text) {
+  if (text)
+    Decode(reinterpret_cast<const unsigned char*>(text),
+           static_cast<std::uint32_t>(std::strlen(text)));
+}
+
+void CBase64Coder::Decode(const unsigned char* data, std::uint32_t size) {
+  // Built once, safely when several threads decode for the first time together.
+  [[maybe_unused]] static const bool built = (_Init(), true);
+  if (IsOwnBuffer(data)) {
+    const std::vector<unsigned char> copy(data, data + size);
+    Decode(copy.data(), size);
+    return;
+  }
+  SetEncodeBuffer(data, size);
+  AllocDecode(size);
+  if (IsPlainCoder()) {
+    DecodeGroups([](const TempBucket& in, unsigned char* out) { JoinInto(in, out); });
+  } else {
+    DecodeGroups([this](const TempBucket& in, unsigned char* out) { _DecodeToBuffer(in, out); });
+  }
+}
+
+const char* CBase64Coder::DecodedMessage() const {
+  return reinterpret_cast<const char*>(m_decodedBuffer);
+}
+
+const char* CBase64Coder::EncodedMessage() const {
+  return reinterpret_cast<const char*>(m_encodedBuffer);
+}
+
+std::uint32_t CBase64Coder::DecodedMessageSize() const { return m_decodedSize; }
+
+std::uint32_t CBase64Coder::EncodedMessageSize() const { return m_encodedSize; }
+
+void CBase64Coder::AllocEncode(std::uint32_t size) {
+  Reserve(m_encodedBuffer, m_encodedCapacity, size);
+  m_encodedSize = 0;
+}
+
+void CBase64Coder::AllocDecode(std::uint32_t size) {
+  Reserve(m_decodedBuffer, m_decodedCapacity, size);
+  m_decodedSize = 0;
+}
+
+void CBase64Coder::SetEncodeBuffer(const unsigned char* data, std::uint32_t size) {
+  if (!data) size = 0;
+  AllocEncode(size);
+  if (IsPlainCoder()) {
+    FilterText(data, size, FirstBadMime);
+  } else {
+    FilterText(data, size, [this](const unsigned char* text, std::uint32_t from, std::uint32_t end) {
+      while (from < end && !_IsBadMimeChar(text[from])) ++from;
+      return from;
+    });
+  }
+}
+
+void CBase64Coder::SetDecodeBuffer(const unsigned char* data, std::uint32_t size) {
+  if (!data) size = 0;
+  AllocDecode(size);
+  if (size) std::memcpy(m_decodedBuffer, data, size);
+  m_decodedSize = size;
+}
+
+void CBase64Coder::_EncodeToBuffer(const TempBucket& in, unsigned char* out) {
+  TempBucket values;
+  _EncodeRaw(values, in);
+  WriteCharacters(values, in.size, m_Alphabet, out);
+}
+
+std::uint32_t CBase64Coder::_DecodeToBuffer(const TempBucket& in, unsigned char* out) {
+  TempBucket bytes;
+  _DecodeRaw(bytes, in);
+  return WriteBytes(bytes, out);
+}
+
+void CBase64Coder::_EncodeRaw(TempBucket& out, const TempBucket& in) { SplitGroup(out, in); }
+
+void CBase64Coder::_DecodeRaw(TempBucket& out, const TempBucket& in) { JoinGroup(out, in); }
+
+int CBase64Coder::_IsBadMimeChar(unsigned char c) { return IsBadMime(c) ? 1 : 0; }
+
+void CBase64Coder::_Init() {
+  std::memset(m_DecodeTable, kNotInAlphabet, sizeof m_DecodeTable);
+  for (unsigned char i = 0; i < 64; ++i) {
+    const auto c = static_cast<unsigned char>(m_Alphabet[i]);
+    m_DecodeTable[c] = i;
+    m_DecodeTable[c | 0x80] = i;
+  }
+  constexpr unsigned char kPadChar = '=';
+  m_DecodeTable[kPadChar] = kPad;
+  m_DecodeTable[kPadChar | 0x80] = kPad;
+  m_Init = 1;
+}
+
+// The loops keep pointers and counts in locals: stores through a byte pointer could alias any
+// member, which would force a reload of every one of them for each group.
+template <class Step>
+void CBase64Coder::EncodeGroups(Step step) {
+  const unsigned char* in = m_decodedBuffer;
+  const unsigned char* const fullEnd = in + m_decodedSize / 3 * 3;
+  const std::uint32_t left = m_decodedSize % 3;
+  unsigned char* out = m_encodedBuffer;
+  TempBucket bucket;
+  bucket.Clear();
+  bucket.size = 3;
+  for (; in != fullEnd; in += 3, out += 4) {
+    bucket.data[0] = in[0];
+    bucket.data[1] = in[1];
+    bucket.data[2] = in[2];
+    step(bucket, out);
+  }
+  if (left) {
+    bucket.Clear();
+    for (std::uint32_t j = 0; j < left; ++j) bucket.data[j] = in[j];
+    bucket.size = static_cast<unsigned char>(left);
+    step(bucket, out);
+    out += 4;
+  }
+  m_encodedSize = static_cast<std::uint32_t>(out - m_encodedBuffer);
+}
+
+template <class Step>
+void CBase64Coder::DecodeGroups(Step step) {
+  const unsigned char* text = m_encodedBuffer;
+  const unsigned char* const fullEnd = text + m_encodedSize / 4 * 4;
+  const std::uint32_t left = m_encodedSize % 4;
+  const unsigned char* table = m_DecodeTable;
+  unsigned char* out = m_decodedBuffer;
+  // Padding in the last two places, and anywhere in a short tail, counts as zero.
+  unsigned char tail[256];
+  for (int c = 0; c < 256; ++c) tail[c] = table[c] == kPad ? 0 : table[c];
+  TempBucket bucket;
+  bucket.size = 4;
+  for (; text != fullEnd; text += 4, out += 3) {
+    bucket.data[0] = table[text[0]];
+    bucket.data[1] = table[text[1]];
+    bucket.data[2] = tail[text[2]];
+    bucket.data[3] = tail[text[3]];
+    step(bucket, out);
+  }
+  if (left) {
+    bucket.Clear();
+    for (std::uint32_t j = 0; j < left; ++j) bucket.data[j] = tail[text[j]];
+    bucket.size = static_cast<unsigned char>(left);
+    step(bucket, out);
+    out += left;
+  }
+  m_decodedSize = static_cast<std::uint32_t>(out - m_decodedBuffer);
+}
+
+// Copies runs between skipped characters as blocks: base64 text has few of them.
+template <class FindBad>
+void CBase64Coder::FilterText(const unsigned char* data, std::uint32_t size, FindBad findBad) {
+  unsigned char* out = m_encodedBuffer;
+  std::uint32_t kept = 0;
+  std::uint32_t i = 0;
+  while (i < size) {
+    const std::uint32_t run = findBad(data, i, size);
+    std::memcpy(out + kept, data + i, run - i);
+    kept += run - i;
+    i = run + 1;
+  }
+  m_encodedSize = kept;
+}
+
+bool CBase64Coder::IsOwnBuffer(const unsigned char* data) const {
+  const auto within = [data](const unsigned char* buffer, std::uint32_t capacity) {
+    const std::less<const unsigned char*> before;
+    return buffer && !before(data, buffer) && before(data, buffer + capacity);
+  };
+  return within(m_encodedBuffer, m_encodedCapacity) || within(m_decodedBuffer, m_decodedCapacity);
+}
+
+bool CBase64Coder::IsPlainCoder() const { return typeid(*this) == typeid(CBase64Coder); }

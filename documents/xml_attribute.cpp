@@ -1,0 +1,110 @@
+#include "documents/xml_attribute.h"
+
+#include <cstdlib>
+#include <cstring>
+#include <ostream>
+
+#include "documents/xml_document.h"
+
+void TiXmlAttribute::Print(std::FILE* file, int /*depth*/) const {
+  const std::string text = Markup();
+  std::fwrite(text.data(), 1, text.size(), file);
+}
+
+void TiXmlAttribute::StreamOut(std::ostream* out) const { *out << Markup(); }
+
+std::string TiXmlAttribute::Markup() const {
+  const char quote = value.find('"') == std::string::npos ? '"' : '\'';
+  std::string text;
+  PutString(name, &text);
+  text += '=';
+  text += quote;
+  PutString(value, &text);
+  text += quote;
+  return text;
+}
+
+const char* TiXmlAttribute::Parse(const char* p, TiXmlParsingData* data, TiXmlNode* /*parent*/) {
+  p = SkipWhiteSpace(p);
+  if (!p || !*p) return nullptr;
+  Stamp(p, data);
+  const char* start = p;
+  p = ReadName(p, &name);
+  if (!p) {
+    SetError(document, TIXML_ERROR_READING_ATTRIBUTES, start, data);
+    return nullptr;
+  }
+  p = SkipWhiteSpace(p);
+  if (*p != '=') {
+    SetError(document, TIXML_ERROR_READING_ATTRIBUTES, p, data);
+    return nullptr;
+  }
+  p = SkipWhiteSpace(p + 1);
+  if (*p == '\'' || *p == '"') {
+    const char quote[] = {*p, '\0'};
+    if (!std::strchr(p + 1, quote[0])) return nullptr;
+    return ReadText(p + 1, &value, false, quote, false);
+  }
+  const char* end = p;
+  while (*end && !IsWhiteSpace(*end) && *end != '/' && *end != '>') ++end;
+  value.assign(p, end);
+  return end;
+}
+
+int TiXmlAttribute::IntValue() const { return std::atoi(value.c_str()); }
+
+double TiXmlAttribute::DoubleValue() const { return std::atof(value.c_str()); }
+
+int TiXmlAttribute::QueryIntValue(int* out) const {
+  return std::sscanf(value.c_str(), "%d", out) == 1 ? TIXML_SUCCESS : TIXML_WRONG_TYPE;
+}
+
+int TiXmlAttribute::QueryDoubleValue(double* out) const {
+  return std::sscanf(value.c_str(), "%lf", out) == 1 ? TIXML_SUCCESS : TIXML_WRONG_TYPE;
+}
+
+void TiXmlAttribute::SetIntValue(int number) {
+  char text[16];
+  std::snprintf(text, sizeof text, "%d", number);
+  value = text;
+}
+
+void TiXmlAttribute::SetDoubleValue(double number) {
+  char text[512];
+  std::snprintf(text, sizeof text, "%lf", number);
+  value = text;
+}
+
+const TiXmlAttribute* TiXmlAttribute::Next() const {
+  return (!next || next->IsSentinel()) ? nullptr : next;
+}
+
+const TiXmlAttribute* TiXmlAttribute::Previous() const {
+  return (!prev || prev->IsSentinel()) ? nullptr : prev;
+}
+
+TiXmlAttributeSet::TiXmlAttributeSet() { sentinel.next = sentinel.prev = &sentinel; }
+
+void TiXmlAttributeSet::Add(TiXmlAttribute* attribute) {
+  attribute->next = &sentinel;
+  attribute->prev = sentinel.prev;
+  sentinel.prev->next = attribute;
+  sentinel.prev = attribute;
+}
+
+void TiXmlAttributeSet::Remove(TiXmlAttribute* attribute) {
+  for (TiXmlAttribute* node = sentinel.next; node != &sentinel; node = node->next) {
+    if (node == attribute) {
+      node->prev->next = node->next;
+      node->next->prev = node->prev;
+      node->next = node->prev = nullptr;
+      return;
+    }
+  }
+}
+
+const TiXmlAttribute* TiXmlAttributeSet::Find(const char* name) const {
+  for (const TiXmlAttribute* node = sentinel.next; node != &sentinel; node = node->next)
+    if (node->name == name) return node;
+  return nullptr;
+}

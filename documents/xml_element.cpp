@@ -1,0 +1,221 @@
+#include "documents/xml_element.h"
+
+#include <cstdlib>
+#include <memory>
+#include <ostream>
+
+#include "documents/xml_document.h"
+#include "documents/xml_text.h"
+
+namespace {
+
+void Indent(std::FILE* file, int depth) {
+  for (int i = 0; i < depth; ++i) std::fputs("    ", file);
+}
+
+void Write(std::FILE* file, const std::string& text) {
+  std::fwrite(text.data(), 1, text.size(), file);
+}
+
+}  // namespace
+
+TiXmlElement::TiXmlElement(const char* name) : TiXmlNode(ELEMENT) { value = name; }
+
+TiXmlElement::~TiXmlElement() {
+  while (TiXmlAttribute* attribute = attributeSet.First()) {
+    attributeSet.Remove(attribute);
+    delete attribute;
+  }
+}
+
+void TiXmlElement::Print(std::FILE* file, int depth) const {
+  Indent(file, depth);
+  std::fputc('<', file);
+  Write(file, value);
+  for (const TiXmlAttribute* a = attributeSet.First(); a; a = a->Next()) {
+    std::fputc(' ', file);
+    a->Print(file, depth);
+  }
+  if (!firstChild) {
+    std::fputs(" />", file);
+    return;
+  }
+  std::fputc('>', file);
+  if (firstChild == lastChild && firstChild->ToText()) {
+    firstChild->Print(file, depth + 1);
+  } else {
+    for (const TiXmlNode* node = firstChild; node; node = node->NextSibling()) {
+      if (!node->ToText()) std::fputc('\n', file);
+      node->Print(file, depth + 1);
+    }
+    std::fputc('\n', file);
+    Indent(file, depth);
+  }
+  std::fputs("</", file);
+  Write(file, value);
+  std::fputc('>', file);
+}
+
+void TiXmlElement::StreamOut(std::ostream* out) const {
+  *out << '<' << value;
+  for (const TiXmlAttribute* a = attributeSet.First(); a; a = a->Next()) {
+    *out << ' ';
+    a->StreamOut(out);
+  }
+  if (!firstChild) {
+    *out << " />";
+    return;
+  }
+  *out << '>';
+  for (const TiXmlNode* node = firstChild; node; node = node->NextSibling()) node->StreamOut(out);
+  *out << "</" << value << '>';
+}
+
+const char* TiXmlElement::Parse(const char* p, TiXmlParsingData* data, TiXmlNode* /*parent*/) {
+  TiXmlDocument* document = GetDocument();
+  p = SkipWhiteSpace(p);
+  if (!p || *p != '<') {
+    SetError(document, TIXML_ERROR_PARSING_ELEMENT, p, data);
+    return nullptr;
+  }
+  Stamp(p, data);
+  if (IsTooDeep()) {
+    SetError(document, TIXML_ERROR_PARSING_ELEMENT, p, data);
+    return nullptr;
+  }
+  const char* start = p;
+  p = ReadName(p + 1, &value);
+  if (!p || !*p) {
+    SetError(document, TIXML_ERROR_FAILED_TO_READ_ELEMENT_NAME, start, data);
+    return nullptr;
+  }
+  return ParseRest(p, data);
+}
+
+const char* TiXmlElement::ParseRest(const char* p, TiXmlParsingData* data) {
+  TiXmlDocument* document = GetDocument();
+  for (;;) {
+    p = SkipWhiteSpace(p);
+    if (!*p) {
+      SetError(document, TIXML_ERROR_READING_ATTRIBUTES, p, data);
+      return nullptr;
+    }
+    if (*p == '/') {
+      if (p[1] == '>') return p + 2;
+      SetError(document, TIXML_ERROR_PARSING_EMPTY, p, data);
+      return nullptr;
+    }
+    if (*p == '>') {
+      p = ReadValue(p + 1, data);
+      if (!p) return nullptr;
+      const std::string endTag = "</" + value + ">";
+      if (StringEqual(p, endTag.c_str(), false)) return p + endTag.size();
+      SetError(document, TIXML_ERROR_READING_END_TAG, p, data);
+      return nullptr;
+    }
+    auto attribute = std::make_unique<TiXmlAttribute>();
+    attribute->SetDocument(document);
+    const char* start = p;
+    p = attribute->Parse(p, data, this);
+    if (!p) {
+      SetError(document, TIXML_ERROR_PARSING_ELEMENT, start, data);
+      return nullptr;
+    }
+    if (TiXmlAttribute* existing = attributeSet.Find(attribute->Name())) {
+      // Marked as odd and wanted: the later value wins and the element ends here.
+      existing->SetValue(attribute->ValueStr());
+      return nullptr;
+    }
+    attributeSet.Add(attribute.release());
+  }
+}
+
+const char* TiXmlElement::ReadValue(const char* p, TiXmlParsingData* data) {
+  p = SkipWhiteSpace(p);
+  const char* start = p;
+  while (p && *p) {
+    start = p;
+    if (*p != '<') {
+      auto text = std::make_unique<TiXmlText>("");
+      p = text->Parse(p, data, this);
+      if (!text->Blank()) LinkEndChild(text.release());
+    } else if (StringEqual(p, "</", false)) {
+      return p;
+    } else {
+      TiXmlNode* node = Identify(p);
+      p = node->Parse(p, data, this);
+      LinkEndChild(node);
+    }
+    p = SkipWhiteSpace(p);
+  }
+  if (!p) SetError(GetDocument(), TIXML_ERROR_READING_ELEMENT_VALUE, start, data);
+  return p;
+}
+
+bool TiXmlElement::IsTooDeep() const {
+  int depth = 0;
+  for (const TiXmlNode* node = parent; node; node = node->Parent())
+    if (node->ToElement() && ++depth >= kMaxDepth) return true;
+  return false;
+}
+
+TiXmlNode* TiXmlElement::Clone() const {
+  auto* clone = new TiXmlElement(value);
+  CopyToClone(clone);
+  for (const TiXmlAttribute* a = attributeSet.First(); a; a = a->Next())
+    clone->SetAttribute(a->Name(), a->Value());
+  for (const TiXmlNode* node = firstChild; node; node = node->NextSibling())
+    clone->LinkEndChild(node->Clone());
+  return clone;
+}
+
+const char* TiXmlElement::Attribute(const char* name) const {
+  const TiXmlAttribute* attribute = attributeSet.Find(name);
+  return attribute ? attribute->Value() : nullptr;
+}
+
+const char* TiXmlElement::Attribute(const char* name, int* out) const {
+  const char* text = Attribute(name);
+  if (out) *out = text ? std::atoi(text) : 0;
+  return text;
+}
+
+const char* TiXmlElement::Attribute(const char* name, double* out) const {
+  const char* text = Attribute(name);
+  if (out) *out = text ? std::atof(text) : 0.0;
+  return text;
+}
+
+int TiXmlElement::QueryIntAttribute(const char* name, int* out) const {
+  const TiXmlAttribute* attribute = attributeSet.Find(name);
+  return attribute ? attribute->QueryIntValue(out) : TIXML_NO_ATTRIBUTE;
+}
+
+int TiXmlElement::QueryDoubleAttribute(const char* name, double* out) const {
+  const TiXmlAttribute* attribute = attributeSet.Find(name);
+  return attribute ? attribute->QueryDoubleValue(out) : TIXML_NO_ATTRIBUTE;
+}
+
+void TiXmlElement::SetAttribute(const char* name, const char* text) {
+  if (!*name) return;
+  if (TiXmlAttribute* existing = attributeSet.Find(name)) {
+    existing->SetValue(text);
+    return;
+  }
+  auto* attribute = new TiXmlAttribute(name, text);
+  attribute->SetDocument(GetDocument());
+  attributeSet.Add(attribute);
+}
+
+void TiXmlElement::SetAttribute(const char* name, int number) {
+  char text[16];
+  std::snprintf(text, sizeof text, "%d", number);
+  SetAttribute(name, text);
+}
+
+void TiXmlElement::RemoveAttribute(const char* name) {
+  if (TiXmlAttribute* attribute = attributeSet.Find(name)) {
+    attributeSet.Remove(attribute);
+    delete attribute;
+  }
+}
