@@ -7,7 +7,8 @@
 
 CSoftSynth::CSoftSynth() = default;
 
-CSoftSynth::~CSoftSynth() { EndAllWorkers(); }
+// Workers are ended by the most derived class, while the instance lock still stands.
+CSoftSynth::~CSoftSynth() = default;
 
 // --- connection ---------------------------------------------------------------------------
 
@@ -56,7 +57,8 @@ HRESULT CSoftSynth::AnnouncePinCountChange(std::int32_t phase, IUnknown* filter,
 std::int64_t CSoftSynth::TicksToSamples(std::int32_t ticks) {
   CAutoLock lock(InstanceLock());
   if (m_timeConverter) {
-    HostTimeValue time{HostTimeValue::kTicks, 0, ticks};
+    // A tick value fills only the low word.
+    HostTimeValue time{HostTimeValue::kTicks, 0, static_cast<std::uint32_t>(ticks)};
     m_timeConverter->ConvertTime(&time, HostTimeValue::kSamples);
     return time.value;
   }
@@ -75,9 +77,10 @@ std::int32_t CSoftSynth::SamplesToTicks(std::int64_t samples) {
     return static_cast<std::int32_t>(time.value);
   }
   const std::uint32_t rate = m_dxi->GetInputFormat()->nSamplesPerSec;
-  if (m_tempoMap && rate != 0)  // no rate before a format is set: no time to speak of
-    return m_tempoMap->MsecsToTicks(static_cast<std::int32_t>(samples * 1000 / rate));
-  return 0;
+  if (!m_tempoMap || rate == 0) return 0;  // no rate before a format is set: no time at all
+  // Split so that no position, however far, overflows on its way to milliseconds.
+  const std::int64_t ms = samples / rate * 1000 + samples % rate * 1000 / rate;
+  return m_tempoMap->MsecsToTicks(static_cast<std::int32_t>(ms));
 }
 
 // --- IMfxInputPort ------------------------------------------------------------------------

@@ -142,6 +142,7 @@ class CSoftSynth : public CDXiSynthContext,
   // when connected to a host without an observer.
   HRESULT AnnouncePinCountChange(std::int32_t phase, IUnknown* filter, std::int32_t count);
   // [destruction] Stops the worker and waits for every worker thread, cutting pauses short.
+  // The most derived class calls it first thing in its destructor, while every member stands.
   void EndAllWorkers();
   // The facet handed to the sink as the sender.
   IMfxInputPort* InputPortFacet() noexcept { return this; }

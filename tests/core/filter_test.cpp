@@ -114,6 +114,8 @@ TEST(FilterTime, ConvertsThroughTheConverterThenTheTempoMapThenNothing) {
   instance->Connect(&context);
   EXPECT_EQ(instance->TicksToSamples(480), 24000);
   EXPECT_EQ(instance->SamplesToTicks(48000), 960);
+  EXPECT_EQ(instance->SamplesToTicks(-48000), -960);
+  instance->SamplesToTicks(INT64_MAX);  // far positions must not overflow on the way
   instance->Disconnect();
 
   FakeTimeConverter converter(100);
