@@ -11,6 +11,7 @@
 
 class TARN_EXPORT TiXmlAttribute : public TiXmlBase {
   friend class TiXmlAttributeSet;
+  friend class TiXmlElement;
 
  public:
   TiXmlAttribute() = default;
@@ -86,7 +87,7 @@ class TARN_EXPORT TiXmlAttributeSet {
 
   // Appends `attribute`, which must not be in a set.
   void Add(TiXmlAttribute* attribute);
-  // Unlinks `attribute` from this set without destroying it.
+  // Unlinks `attribute`, which must be in this set, without destroying it.
   void Remove(TiXmlAttribute* attribute);
 
   // Null when the set is empty.

@@ -1,6 +1,9 @@
 #include "documents/xml_base.h"
 
+#include <array>
 #include <cstring>
+#include <ostream>
+#include <string_view>
 
 #include "documents/xml_document.h"
 
@@ -18,13 +21,58 @@ int HexValue(char c) {
   return -1;
 }
 
+// Whether any of the eight bytes is below 14: a zero, tab, line break or other control.
+bool HasControl(std::uint64_t word) {
+  constexpr std::uint64_t kOnes = 0x0101010101010101u;
+  return ((word - kOnes * 14) & ~word & (kOnes * 128)) != 0;
+}
+
 bool IsNameChar(char c) {
   return IsAsciiLetter(c) || IsDigit(c) || c == '_' || c == '-' || c == '.' || c == ':';
 }
 
-// Bytes that PutString copies as they are.
-bool IsPlain(unsigned char c) {
-  return c >= 32 && c <= 126 && c != '&' && c != '<' && c != '>' && c != '"' && c != '\'';
+// Bytes that PutString copies as they are, by table: it runs over whole base64 blocks.
+constexpr auto kPlain = [] {
+  std::array<bool, 256> plain{};
+  for (int c = 32; c <= 126; ++c) plain[static_cast<std::size_t>(c)] = true;
+  for (const char c : {'&', '<', '>', '"', '\''}) plain[static_cast<unsigned char>(c)] = false;
+  return plain;
+}();
+
+bool IsPlain(unsigned char c) { return kPlain[c]; }
+
+// Hands `str` to `sink` made safe for markup, in runs as long as the text allows.
+template <class Sink>
+void Escape(const std::string& str, Sink sink) {
+  static constexpr std::string_view kEntities[] = {"&amp;", "&lt;", "&gt;", "&quot;", "&apos;"};
+  static constexpr std::string_view kEntityChars = "&<>\"'";
+  const std::size_t length = str.size();
+  std::size_t i = 0;
+  while (i < length) {
+    std::size_t run = i;
+    while (run < length && IsPlain(static_cast<unsigned char>(str[run]))) ++run;
+    if (run > i) sink(str.data() + i, run - i);
+    if (run == length) return;
+    i = run;
+    const char c = str[i];
+    if (c == '&' && i + 2 < length && str[i + 1] == '#' && str[i + 2] == 'x') {
+      // An existing numeric reference survives as it is.
+      const std::size_t semicolon = str.find(';', i);
+      const std::size_t end = semicolon == std::string::npos ? length : semicolon + 1;
+      sink(str.data() + i, end - i);
+      i = end;
+      continue;
+    }
+    if (const std::size_t named = kEntityChars.find(c); named != std::string_view::npos) {
+      sink(kEntities[named].data(), kEntities[named].size());
+    } else {
+      static constexpr char kHex[] = "0123456789ABCDEF";
+      const auto byte = static_cast<unsigned char>(c);
+      const char reference[] = {'&', '#', 'x', kHex[byte >> 4], kHex[byte & 15], ';'};
+      sink(reference, sizeof reference);
+    }
+    ++i;
+  }
 }
 
 }  // namespace
@@ -60,6 +108,13 @@ void TiXmlParsingData::Stamp(const char* now) {
   if (tabsize < 1 || !now || now <= stamp) return;
   const char* p = stamp;
   while (p < now && *p) {
+    // Eight bytes at a time while none of them is a control character.
+    std::uint64_t word = 0;
+    while (now - p >= 8 && (std::memcpy(&word, p, 8), !HasControl(word))) {
+      cursor.col += 8;
+      p += 8;
+    }
+    if (p == now || !*p) break;
     const char c = *p++;
     if (c == '\n' || c == '\r') {
       // CR LF and LF CR are one break, however the stamps fall.
@@ -177,37 +232,17 @@ bool TiXmlBase::StringEqual(const char* p, const char* tag, bool exact) {
 }
 
 void TiXmlBase::PutString(const std::string& str, std::string* out) {
-  const std::size_t length = str.size();
-  std::size_t i = 0;
-  while (i < length) {
-    std::size_t run = i;
-    while (run < length && IsPlain(static_cast<unsigned char>(str[run]))) ++run;
-    out->append(str, i, run - i);
-    if (run == length) return;
-    i = run;
-    const char c = str[i];
-    if (c == '&' && i + 2 < length && str[i + 1] == '#' && str[i + 2] == 'x') {
-      // An existing numeric reference survives as it is.
-      const std::size_t semicolon = str.find(';', i);
-      const std::size_t end = semicolon == std::string::npos ? length : semicolon + 1;
-      out->append(str, i, end - i);
-      i = end;
-      continue;
-    }
-    const Entity* named = nullptr;
-    for (const Entity& e : entity) {
-      if (e.chr == c) named = &e;
-    }
-    if (named) {
-      out->append(named->str, named->strLength);
-    } else {
-      static constexpr char kHex[] = "0123456789ABCDEF";
-      const auto byte = static_cast<unsigned char>(c);
-      const char reference[] = {'&', '#', 'x', kHex[byte >> 4], kHex[byte & 15], ';'};
-      out->append(reference, sizeof reference);
-    }
-    ++i;
-  }
+  Escape(str, [out](const char* text, std::size_t size) { out->append(text, size); });
+}
+
+void TiXmlBase::PutString(const std::string& str, std::ostream* out) {
+  Escape(str, [out](const char* text, std::size_t size) {
+    out->write(text, static_cast<std::streamsize>(size));
+  });
+}
+
+void TiXmlBase::PutString(const std::string& str, std::FILE* file) {
+  Escape(str, [file](const char* text, std::size_t size) { std::fwrite(text, 1, size, file); });
 }
 
 void TiXmlBase::SetError(TiXmlDocument* document, int id, const char* p, TiXmlParsingData* data) {

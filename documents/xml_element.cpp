@@ -9,10 +9,6 @@
 
 namespace {
 
-void Indent(std::FILE* file, int depth) {
-  for (int i = 0; i < depth; ++i) std::fputs("    ", file);
-}
-
 void Write(std::FILE* file, const std::string& text) {
   std::fwrite(text.data(), 1, text.size(), file);
 }
@@ -28,47 +24,48 @@ TiXmlElement::~TiXmlElement() {
   }
 }
 
+// Each tag is composed first and written in one call: a call per piece costs more than the text.
 void TiXmlElement::Print(std::FILE* file, int depth) const {
-  Indent(file, depth);
-  std::fputc('<', file);
-  Write(file, value);
-  for (const TiXmlAttribute* a = attributeSet.First(); a; a = a->Next()) {
-    std::fputc(' ', file);
-    a->Print(file, depth);
-  }
+  std::string tag(static_cast<std::size_t>(depth) * 4, ' ');
+  AppendStartTag(&tag);
   if (!firstChild) {
-    std::fputs(" />", file);
+    Write(file, tag);
     return;
   }
-  std::fputc('>', file);
+  const std::string endTag = "</" + value + ">";
   if (firstChild == lastChild && firstChild->ToText()) {
+    Write(file, tag);
     firstChild->Print(file, depth + 1);
-  } else {
-    for (const TiXmlNode* node = firstChild; node; node = node->NextSibling()) {
-      if (!node->ToText()) std::fputc('\n', file);
-      node->Print(file, depth + 1);
-    }
-    std::fputc('\n', file);
-    Indent(file, depth);
+    Write(file, endTag);
+    return;
   }
-  std::fputs("</", file);
-  Write(file, value);
-  std::fputc('>', file);
+  Write(file, tag);
+  for (const TiXmlNode* node = firstChild; node; node = node->NextSibling()) {
+    if (!node->ToText()) std::fputc('\n', file);
+    node->Print(file, depth + 1);
+  }
+  std::fputc('\n', file);
+  Write(file, std::string(static_cast<std::size_t>(depth) * 4, ' ') + endTag);
 }
 
 void TiXmlElement::StreamOut(std::ostream* out) const {
-  *out << '<' << value;
-  for (const TiXmlAttribute* a = attributeSet.First(); a; a = a->Next()) {
-    *out << ' ';
-    a->StreamOut(out);
-  }
-  if (!firstChild) {
-    *out << " />";
-    return;
-  }
-  *out << '>';
+  std::string tag;
+  AppendStartTag(&tag);
+  out->write(tag.data(), static_cast<std::streamsize>(tag.size()));
+  if (!firstChild) return;
   for (const TiXmlNode* node = firstChild; node; node = node->NextSibling()) node->StreamOut(out);
-  *out << "</" << value << '>';
+  const std::string endTag = "</" + value + ">";
+  out->write(endTag.data(), static_cast<std::streamsize>(endTag.size()));
+}
+
+void TiXmlElement::AppendStartTag(std::string* tag) const {
+  *tag += '<';
+  *tag += value;
+  for (const TiXmlAttribute* a = attributeSet.First(); a; a = a->Next()) {
+    *tag += ' ';
+    *tag += a->Markup();
+  }
+  *tag += firstChild ? ">" : " />";
 }
 
 const char* TiXmlElement::Parse(const char* p, TiXmlParsingData* data, TiXmlNode* /*parent*/) {
