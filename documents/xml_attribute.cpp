@@ -108,9 +108,8 @@ void TiXmlAttributeSet::Remove(TiXmlAttribute* attribute) {
   attribute->next = attribute->prev = nullptr;
 }
 
-const TiXmlAttribute* TiXmlAttributeSet::Find(const char* name) const {
-  const std::string_view wanted = name;
+const TiXmlAttribute* TiXmlAttributeSet::FindName(std::string_view name) const {
   for (const TiXmlAttribute* node = sentinel.next; node != &sentinel; node = node->next)
-    if (node->name == wanted) return node;
+    if (node->name == name) return node;
   return nullptr;
 }

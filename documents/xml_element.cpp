@@ -118,7 +118,7 @@ const char* TiXmlElement::ParseRest(const char* p, TiXmlParsingData* data) {
       SetError(document, TIXML_ERROR_PARSING_ELEMENT, start, data);
       return nullptr;
     }
-    if (TiXmlAttribute* existing = attributeSet.Find(attribute->Name())) {
+    if (TiXmlAttribute* existing = attributeSet.Find(attribute->NameStr())) {
       // Marked as odd and wanted: the later value wins and the element ends here.
       existing->SetValue(attribute->ValueStr());
       return nullptr;
