@@ -1,9 +1,9 @@
 #include "documents/xml_base.h"
 
+#include <algorithm>
 #include <array>
 #include <cstring>
 #include <ostream>
-#include <string_view>
 
 #include "documents/xml_document.h"
 
@@ -42,10 +42,8 @@ constexpr auto kPlain = [] {
 bool IsPlain(unsigned char c) { return kPlain[c]; }
 
 // Hands `str` to `sink` made safe for markup, in runs as long as the text allows.
-template <class Sink>
-void Escape(const std::string& str, Sink sink) {
-  static constexpr std::string_view kEntities[] = {"&amp;", "&lt;", "&gt;", "&quot;", "&apos;"};
-  static constexpr std::string_view kEntityChars = "&<>\"'";
+template <class Entities, class Sink>
+void Escape(const std::string& str, const Entities& entities, Sink sink) {
   const std::size_t length = str.size();
   std::size_t i = 0;
   while (i < length) {
@@ -63,8 +61,10 @@ void Escape(const std::string& str, Sink sink) {
       i = end;
       continue;
     }
-    if (const std::size_t named = kEntityChars.find(c); named != std::string_view::npos) {
-      sink(kEntities[named].data(), kEntities[named].size());
+    const auto named = std::find_if(std::begin(entities), std::end(entities),
+                                    [c](const auto& e) { return e.chr == c; });
+    if (named != std::end(entities)) {
+      sink(named->str, named->strLength);
     } else {
       static constexpr char kHex[] = "0123456789ABCDEF";
       const auto byte = static_cast<unsigned char>(c);
@@ -232,17 +232,18 @@ bool TiXmlBase::StringEqual(const char* p, const char* tag, bool exact) {
 }
 
 void TiXmlBase::PutString(const std::string& str, std::string* out) {
-  Escape(str, [out](const char* text, std::size_t size) { out->append(text, size); });
+  Escape(str, entity, [out](const char* text, std::size_t size) { out->append(text, size); });
 }
 
 void TiXmlBase::PutString(const std::string& str, std::ostream* out) {
-  Escape(str, [out](const char* text, std::size_t size) {
+  Escape(str, entity, [out](const char* text, std::size_t size) {
     out->write(text, static_cast<std::streamsize>(size));
   });
 }
 
 void TiXmlBase::PutString(const std::string& str, std::FILE* file) {
-  Escape(str, [file](const char* text, std::size_t size) { std::fwrite(text, 1, size, file); });
+  Escape(str, entity,
+         [file](const char* text, std::size_t size) { std::fwrite(text, 1, size, file); });
 }
 
 void TiXmlBase::SetError(TiXmlDocument* document, int id, const char* p, TiXmlParsingData* data) {
