@@ -39,7 +39,7 @@ constexpr auto kPlain = [] {
   return plain;
 }();
 
-bool IsPlain(unsigned char c) { return kPlain[c]; }
+bool IsPlain(char c) { return kPlain[static_cast<unsigned char>(c)]; }
 
 // Hands `str` to `sink` made safe for markup, in runs as long as the text allows.
 template <class Entities, class Sink>
@@ -48,7 +48,11 @@ void Escape(const std::string& str, const Entities& entities, Sink sink) {
   std::size_t i = 0;
   while (i < length) {
     std::size_t run = i;
-    while (run < length && IsPlain(static_cast<unsigned char>(str[run]))) ++run;
+    // Four at a time: one branch for four lookups.
+    while (length - run >= 4 && IsPlain(str[run]) & IsPlain(str[run + 1]) & IsPlain(str[run + 2]) &
+                                    IsPlain(str[run + 3]))
+      run += 4;
+    while (run < length && IsPlain(str[run])) ++run;
     if (run > i) sink(str.data() + i, run - i);
     if (run == length) return;
     i = run;
