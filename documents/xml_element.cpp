@@ -13,6 +13,10 @@ void Write(std::FILE* file, const std::string& text) {
   std::fwrite(text.data(), 1, text.size(), file);
 }
 
+std::string Indent(int depth) {
+  return std::string(depth > 0 ? 4 * static_cast<std::size_t>(depth) : 0, ' ');
+}
+
 }  // namespace
 
 TiXmlElement::TiXmlElement(const char* name) : TiXmlNode(ELEMENT) { value = name; }
@@ -26,26 +30,21 @@ TiXmlElement::~TiXmlElement() {
 
 // Each tag is composed first and written in one call: a call per piece costs more than the text.
 void TiXmlElement::Print(std::FILE* file, int depth) const {
-  std::string tag(static_cast<std::size_t>(depth) * 4, ' ');
+  std::string tag = Indent(depth);
   AppendStartTag(&tag);
-  if (!firstChild) {
-    Write(file, tag);
-    return;
-  }
+  Write(file, tag);
+  if (!firstChild) return;
   const std::string endTag = "</" + value + ">";
   if (firstChild == lastChild && firstChild->ToText()) {
-    Write(file, tag);
     firstChild->Print(file, depth + 1);
     Write(file, endTag);
     return;
   }
-  Write(file, tag);
   for (const TiXmlNode* node = firstChild; node; node = node->NextSibling()) {
     if (!node->ToText()) std::fputc('\n', file);
     node->Print(file, depth + 1);
   }
-  std::fputc('\n', file);
-  Write(file, std::string(static_cast<std::size_t>(depth) * 4, ' ') + endTag);
+  Write(file, "\n" + Indent(depth) + endTag);
 }
 
 void TiXmlElement::StreamOut(std::ostream* out) const {
