@@ -1,8 +1,8 @@
 #include "documents/base64_coder.h"
 
 #include <cstring>
-#include <new>
 #include <functional>
+#include <new>
 #include <typeinfo>
 #include <vector>
 
@@ -60,28 +60,39 @@ std::uint32_t WriteBytes(const TempBucket& bytes, unsigned char* out) {
 
 bool IsBadMime(unsigned char c) { return (c >= 7 && c <= 13) || c == 32; }
 
-// Whether any of the eight bytes is one that decoding skips, tested a word at a time with the
-// usual bit tricks: a byte between 6 and 14 exclusive, or a blank.
-bool HasBadMime(std::uint64_t word) {
+// Whether any of the eight bytes is 32 or below: all that decoding skips are, and text that is
+// really base64 holds none. The usual bit trick, exact for "any byte".
+bool MayHaveBadMime(std::uint64_t word) {
   constexpr std::uint64_t kOnes = 0x0101010101010101u;
-  constexpr std::uint64_t kLow7 = kOnes * 127;
-  constexpr std::uint64_t kHigh = kOnes * 128;
-  const std::uint64_t low = word & kLow7;
-  const std::uint64_t between = (kOnes * (127 + 14) - low) & ~word & (low + kOnes * (127 - 6));
-  const std::uint64_t blanks = word ^ (kOnes * ' ');
-  return ((between | ((blanks - kOnes) & ~blanks)) & kHigh) != 0;
+  return ((word - kOnes * 33) & ~word & (kOnes * 128)) != 0;
 }
 
-// The index of the first character at or after `from` that decoding skips, or `size`.
-std::uint32_t FirstBadMime(const unsigned char* data, std::uint32_t from, std::uint32_t size) {
+// Copies the characters that decoding keeps to `out`, which has room for `size` and one more,
+// and returns their count. Clean words go across whole.
+std::uint32_t CopyKept(const unsigned char* data, std::uint32_t size, unsigned char* out) {
+  std::uint32_t kept = 0;
+  std::uint32_t i = 0;
   std::uint64_t word = 0;
-  while (size - from >= sizeof word) {
-    std::memcpy(&word, data + from, sizeof word);
-    if (HasBadMime(word)) break;
-    from += sizeof word;
+  while (size - i >= sizeof word) {
+    std::memcpy(&word, data + i, sizeof word);
+    if (!MayHaveBadMime(word)) {
+      std::memcpy(out + kept, &word, sizeof word);
+      kept += sizeof word;
+      i += sizeof word;
+      continue;
+    }
+    for (const std::uint32_t end = i + sizeof word; i < end; ++i) {
+      out[kept] = data[i];
+      kept += IsBadMime(data[i]) ? 0u : 1u;
+    }
   }
-  while (from < size && !IsBadMime(data[from])) ++from;
-  return from;
+  for (; i < size; ++i) {
+    out[kept] = data[i];
+    kept += IsBadMime(data[i]) ? 0u : 1u;
+  }
+  // A skipped character may have been written behind the last kept one.
+  out[kept] = 0;
+  return kept;
 }
 
 void Reserve(unsigned char*& buffer, std::uint32_t& capacity, std::uint32_t size) {
@@ -186,14 +197,15 @@ void CBase64Coder::AllocDecode(std::uint32_t size) {
 void CBase64Coder::SetEncodeBuffer(const unsigned char* data, std::uint32_t size) {
   if (!data) size = 0;
   AllocEncode(size);
+  if (!size) return;
   if (IsPlainCoder()) {
-    FilterText(data, size, FirstBadMime);
-  } else {
-    FilterText(data, size, [this](const unsigned char* text, std::uint32_t from, std::uint32_t end) {
-      while (from < end && !_IsBadMimeChar(text[from])) ++from;
-      return from;
-    });
+    m_encodedSize = CopyKept(data, size, m_encodedBuffer);
+    return;
   }
+  std::uint32_t kept = 0;
+  for (std::uint32_t i = 0; i < size; ++i)
+    if (!_IsBadMimeChar(data[i])) m_encodedBuffer[kept++] = data[i];
+  m_encodedSize = kept;
 }
 
 void CBase64Coder::SetDecodeBuffer(const unsigned char* data, std::uint32_t size) {
@@ -288,21 +300,6 @@ void CBase64Coder::DecodeGroups(Step step) {
     out += left;
   }
   m_decodedSize = static_cast<std::uint32_t>(out - m_decodedBuffer);
-}
-
-// Copies runs between skipped characters as blocks: base64 text has few of them.
-template <class FindBad>
-void CBase64Coder::FilterText(const unsigned char* data, std::uint32_t size, FindBad findBad) {
-  unsigned char* out = m_encodedBuffer;
-  std::uint32_t kept = 0;
-  std::uint32_t i = 0;
-  while (i < size) {
-    const std::uint32_t run = findBad(data, i, size);
-    std::memcpy(out + kept, data + i, run - i);
-    kept += run - i;
-    i = run + 1;
-  }
-  m_encodedSize = kept;
 }
 
 bool CBase64Coder::IsOwnBuffer(const unsigned char* data) const {

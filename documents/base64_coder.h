@@ -93,8 +93,6 @@ class TARN_EXPORT CBase64Coder {
   void EncodeGroups(Step step);
   template <class Step>
   void DecodeGroups(Step step);
-  template <class FindBad>
-  void FilterText(const unsigned char* data, std::uint32_t size, FindBad findBad);
   // Whether `data` lies in one of this coder's buffers, which a call clears before reading.
   bool IsOwnBuffer(const unsigned char* data) const;
   // Whether this object is a plain CBase64Coder, whose steps can be called directly.

@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <ostream>
+#include <string_view>
 
 #include "documents/xml_document.h"
 
@@ -11,7 +12,10 @@ void TiXmlAttribute::Print(std::FILE* file, int /*depth*/) const {
   std::fwrite(text.data(), 1, text.size(), file);
 }
 
-void TiXmlAttribute::StreamOut(std::ostream* out) const { *out << Markup(); }
+void TiXmlAttribute::StreamOut(std::ostream* out) const {
+  const std::string text = Markup();
+  out->write(text.data(), static_cast<std::streamsize>(text.size()));
+}
 
 std::string TiXmlAttribute::Markup() const {
   const char quote = value.find('"') == std::string::npos ? '"' : '\'';
@@ -41,9 +45,15 @@ const char* TiXmlAttribute::Parse(const char* p, TiXmlParsingData* data, TiXmlNo
   }
   p = SkipWhiteSpace(p + 1);
   if (*p == '\'' || *p == '"') {
-    const char quote[] = {*p, '\0'};
-    if (!std::strchr(p + 1, quote[0])) return nullptr;
-    return ReadText(p + 1, &value, false, quote, false);
+    const char* end = std::strchr(p + 1, *p);
+    if (!end) return nullptr;
+    const auto length = static_cast<std::size_t>(end - (p + 1));
+    if (std::memchr(p + 1, '&', length)) {
+      const char quote[] = {*p, '\0'};
+      return ReadText(p + 1, &value, false, quote, false);
+    }
+    value.assign(p + 1, length);
+    return end + 1;
   }
   const char* end = p;
   while (*end && !IsWhiteSpace(*end) && *end != '/' && *end != '>') ++end;
@@ -93,17 +103,12 @@ void TiXmlAttributeSet::Add(TiXmlAttribute* attribute) {
 }
 
 void TiXmlAttributeSet::Remove(TiXmlAttribute* attribute) {
-  for (TiXmlAttribute* node = sentinel.next; node != &sentinel; node = node->next) {
-    if (node == attribute) {
-      node->prev->next = node->next;
-      node->next->prev = node->prev;
-      node->next = node->prev = nullptr;
-      return;
-    }
-  }
+  attribute->prev->next = attribute->next;
+  attribute->next->prev = attribute->prev;
+  attribute->next = attribute->prev = nullptr;
 }
 
-const TiXmlAttribute* TiXmlAttributeSet::Find(const char* name) const {
+const TiXmlAttribute* TiXmlAttributeSet::FindName(std::string_view name) const {
   for (const TiXmlAttribute* node = sentinel.next; node != &sentinel; node = node->next)
     if (node->name == name) return node;
   return nullptr;

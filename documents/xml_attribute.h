@@ -5,12 +5,14 @@
 #include <cstdio>
 #include <iosfwd>
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include "documents/xml_base.h"
 
 class TARN_EXPORT TiXmlAttribute : public TiXmlBase {
   friend class TiXmlAttributeSet;
+  friend class TiXmlElement;
 
  public:
   TiXmlAttribute() = default;
@@ -86,7 +88,7 @@ class TARN_EXPORT TiXmlAttributeSet {
 
   // Appends `attribute`, which must not be in a set.
   void Add(TiXmlAttribute* attribute);
-  // Unlinks `attribute` from this set without destroying it.
+  // Unlinks `attribute`, which must be in this set, without destroying it.
   void Remove(TiXmlAttribute* attribute);
 
   // Null when the set is empty.
@@ -96,11 +98,15 @@ class TARN_EXPORT TiXmlAttributeSet {
   TiXmlAttribute* Last() { return sentinel.prev == &sentinel ? nullptr : sentinel.prev; }
 
   // The attribute with exactly this name, or null.
-  const TiXmlAttribute* Find(const char* name) const;
-  TiXmlAttribute* Find(const char* name) {
-    return const_cast<TiXmlAttribute*>(std::as_const(*this).Find(name));
+  const TiXmlAttribute* Find(const char* name) const { return FindName(name); }
+  TiXmlAttribute* Find(const char* name) { return const_cast<TiXmlAttribute*>(FindName(name)); }
+  const TiXmlAttribute* Find(const std::string& name) const { return FindName(name); }
+  TiXmlAttribute* Find(const std::string& name) {
+    return const_cast<TiXmlAttribute*>(FindName(name));
   }
 
  private:
+  const TiXmlAttribute* FindName(std::string_view name) const;
+
   TiXmlAttribute sentinel;
 };

@@ -135,6 +135,9 @@ class TARN_EXPORT TiXmlBase {
   // Appends `str` to `out` made safe for markup: the five entity characters become entities,
   // bytes outside 32 to 126 become "&#xHH;", and an existing "&#x...;" passes unchanged.
   static void PutString(const std::string& str, std::string* out);
+  // The same, written straight to a stream or a file.
+  static void PutString(const std::string& str, std::ostream* out);
+  static void PutString(const std::string& str, std::FILE* file);
 
   // Stream input: copy characters from `in` to `tag`. StreamWhiteSpace copies whitespace;
   // StreamTo copies up to and including `character` and says whether it was found;

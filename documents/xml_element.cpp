@@ -9,12 +9,12 @@
 
 namespace {
 
-void Indent(std::FILE* file, int depth) {
-  for (int i = 0; i < depth; ++i) std::fputs("    ", file);
-}
-
 void Write(std::FILE* file, const std::string& text) {
   std::fwrite(text.data(), 1, text.size(), file);
+}
+
+std::string Indent(int depth) {
+  return std::string(depth > 0 ? 4 * static_cast<std::size_t>(depth) : 0, ' ');
 }
 
 }  // namespace
@@ -28,47 +28,43 @@ TiXmlElement::~TiXmlElement() {
   }
 }
 
+// Each tag is composed first and written in one call: a call per piece costs more than the text.
 void TiXmlElement::Print(std::FILE* file, int depth) const {
-  Indent(file, depth);
-  std::fputc('<', file);
-  Write(file, value);
-  for (const TiXmlAttribute* a = attributeSet.First(); a; a = a->Next()) {
-    std::fputc(' ', file);
-    a->Print(file, depth);
-  }
-  if (!firstChild) {
-    std::fputs(" />", file);
-    return;
-  }
-  std::fputc('>', file);
+  std::string tag = Indent(depth);
+  AppendStartTag(&tag);
+  Write(file, tag);
+  if (!firstChild) return;
+  const std::string endTag = "</" + value + ">";
   if (firstChild == lastChild && firstChild->ToText()) {
     firstChild->Print(file, depth + 1);
-  } else {
-    for (const TiXmlNode* node = firstChild; node; node = node->NextSibling()) {
-      if (!node->ToText()) std::fputc('\n', file);
-      node->Print(file, depth + 1);
-    }
-    std::fputc('\n', file);
-    Indent(file, depth);
+    Write(file, endTag);
+    return;
   }
-  std::fputs("</", file);
-  Write(file, value);
-  std::fputc('>', file);
+  for (const TiXmlNode* node = firstChild; node; node = node->NextSibling()) {
+    if (!node->ToText()) std::fputc('\n', file);
+    node->Print(file, depth + 1);
+  }
+  Write(file, "\n" + Indent(depth) + endTag);
 }
 
 void TiXmlElement::StreamOut(std::ostream* out) const {
-  *out << '<' << value;
-  for (const TiXmlAttribute* a = attributeSet.First(); a; a = a->Next()) {
-    *out << ' ';
-    a->StreamOut(out);
-  }
-  if (!firstChild) {
-    *out << " />";
-    return;
-  }
-  *out << '>';
+  std::string tag;
+  AppendStartTag(&tag);
+  out->write(tag.data(), static_cast<std::streamsize>(tag.size()));
+  if (!firstChild) return;
   for (const TiXmlNode* node = firstChild; node; node = node->NextSibling()) node->StreamOut(out);
-  *out << "</" << value << '>';
+  const std::string endTag = "</" + value + ">";
+  out->write(endTag.data(), static_cast<std::streamsize>(endTag.size()));
+}
+
+void TiXmlElement::AppendStartTag(std::string* tag) const {
+  *tag += '<';
+  *tag += value;
+  for (const TiXmlAttribute* a = attributeSet.First(); a; a = a->Next()) {
+    *tag += ' ';
+    *tag += a->Markup();
+  }
+  *tag += firstChild ? ">" : " />";
 }
 
 const char* TiXmlElement::Parse(const char* p, TiXmlParsingData* data, TiXmlNode* /*parent*/) {
@@ -121,7 +117,7 @@ const char* TiXmlElement::ParseRest(const char* p, TiXmlParsingData* data) {
       SetError(document, TIXML_ERROR_PARSING_ELEMENT, start, data);
       return nullptr;
     }
-    if (TiXmlAttribute* existing = attributeSet.Find(attribute->Name())) {
+    if (TiXmlAttribute* existing = attributeSet.Find(attribute->NameStr())) {
       // Marked as odd and wanted: the later value wins and the element ends here.
       existing->SetValue(attribute->ValueStr());
       return nullptr;

@@ -85,6 +85,8 @@ class TARN_EXPORT TiXmlElement : public TiXmlNode {
   // Parses attributes from `p` up to ">" or "/>", and what follows; see Parse.
   const char* ParseRest(const char* p, TiXmlParsingData* data);
   bool IsTooDeep() const;
+  // "<name", the attributes, and ">" or " />" when there are no children.
+  void AppendStartTag(std::string* tag) const;
 
   TiXmlAttributeSet attributeSet;
 };

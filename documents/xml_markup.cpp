@@ -96,7 +96,10 @@ std::string TiXmlDeclaration::Markup() const {
 
 void TiXmlDeclaration::Print(std::FILE* file, int /*depth*/) const { Write(file, Markup()); }
 
-void TiXmlDeclaration::StreamOut(std::ostream* out) const { *out << Markup(); }
+void TiXmlDeclaration::StreamOut(std::ostream* out) const {
+  const std::string text = Markup();
+  out->write(text.data(), static_cast<std::streamsize>(text.size()));
+}
 
 const char* TiXmlDeclaration::Parse(const char* p, TiXmlParsingData* data,
                                     TiXmlNode* /*parent*/) {

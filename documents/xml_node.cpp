@@ -3,7 +3,7 @@
 #include <cstring>
 #include <istream>
 #include <ostream>
-#include <sstream>
+#include <streambuf>
 
 #include "documents/xml.h"
 
@@ -16,6 +16,25 @@ bool HasName(const TiXmlNode* node, const char* name) {
 bool IsLetterOrUnderscore(char c) {
   return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_';
 }
+
+// A stream buffer that appends straight to a string, saving a buffer and a copy of the text.
+class StringAppender : public std::streambuf {
+ public:
+  explicit StringAppender(std::string* target) : out(target) {}
+
+ protected:
+  std::streamsize xsputn(const char* text, std::streamsize count) override {
+    out->append(text, static_cast<std::size_t>(count));
+    return count;
+  }
+  int_type overflow(int_type c) override {
+    if (!traits_type::eq_int_type(c, traits_type::eof())) out->push_back(traits_type::to_char_type(c));
+    return traits_type::not_eof(c);
+  }
+
+ private:
+  std::string* out;
+};
 
 }  // namespace
 
@@ -197,9 +216,9 @@ std::ostream& operator<<(std::ostream& out, const TiXmlNode& node) {
 }
 
 std::string& operator<<(std::string& out, const TiXmlNode& node) {
-  std::ostringstream stream;
+  StringAppender appender(&out);
+  std::ostream stream(&appender);
   node.StreamOut(&stream);
-  out += std::move(stream).str();
   return out;
 }
 

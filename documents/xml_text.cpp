@@ -5,17 +5,9 @@
 
 TiXmlText::~TiXmlText() = default;
 
-void TiXmlText::Print(std::FILE* file, int /*depth*/) const {
-  std::string text;
-  PutString(value, &text);
-  std::fwrite(text.data(), 1, text.size(), file);
-}
+void TiXmlText::Print(std::FILE* file, int /*depth*/) const { PutString(value, file); }
 
-void TiXmlText::StreamOut(std::ostream* out) const {
-  std::string text;
-  PutString(value, &text);
-  *out << text;
-}
+void TiXmlText::StreamOut(std::ostream* out) const { PutString(value, out); }
 
 const char* TiXmlText::Parse(const char* p, TiXmlParsingData* data, TiXmlNode* owner) {
   value.clear();

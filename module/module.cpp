@@ -1,3 +1,2 @@
-// The module's own translation unit. Its exports come from the libraries linked in whole.
-#include "documents/base64_coder.h"
-#include "documents/xml.h"
+// The module's own translation unit. The exported class families come from the libraries that
+// are linked into it whole.
