@@ -2,6 +2,7 @@
 // into, and the processing class itself, which holds the instance lock and the wave formats.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <deque>
 
@@ -23,6 +24,10 @@ struct ChannelState {
   std::int8_t keyOffset2 = 0;
 };
 static_assert(sizeof(ChannelState) == 6);
+static_assert(offsetof(ChannelState, muteBits) == 1);
+static_assert(offsetof(ChannelState, velocityOffset1) == 2);
+static_assert(offsetof(ChannelState, keyOffset1) == 4);
+static_assert(offsetof(ChannelState, keyOffset2) == 5);
 
 // One stretch of one media sample as Process sees it.
 struct AudioBuffer {
