@@ -38,6 +38,17 @@ struct AudioBuffer {
   std::int32_t silent;      // the data is to be taken as zero and has not been written
 };
 
+// [holder] Where the buffer's stretch starts: the sample's data plus `byteOffset`.
+std::uint8_t* DataAt(const AudioBuffer& buffer);
+// [holder] DataAt for a stretch that is about to be overwritten whole: clears `silent`, and
+// zeroes nothing first, as the write covers it.
+std::uint8_t* WritePosition(AudioBuffer& buffer);
+// [holder] Marks the buffer silent, and its sample too when the sample can say so.
+void MarkSilent(AudioBuffer& buffer);
+// [holder] Makes a silent buffer read as silence when delivered: the sample says so when it can,
+// else `bytes` of its stretch (never past the sample's end) are zeroed.
+void SettleSilence(AudioBuffer& buffer, std::int32_t bytes);
+
 using VoiceQueue = std::deque<HostEventRecord>;
 
 // What the processing class may ask of the instance: output pins and time conversion.
@@ -96,6 +107,9 @@ class CExternalHardwareProxyDXi : public CDXi {
   HRESULT IsValidOutputFormat(const WaveFormat& format) override;
   HRESULT IsValidTransform(const WaveFormat& input, const WaveFormat& output) override;
   HRESULT SuggestOutputFormat(WaveFormat&) override { return S_OK; }
+  // [streaming thread, instance lock] Copies the input's frames, all its channels, byte for byte
+  // to the first output; a silent input makes that output silent instead. Other outputs keep
+  // their silence. 1 without input, else 0. The audio is never changed.
   const WaveFormat* GetInputFormat() override { return &m_inputFormat; }
   const WaveFormat* GetOutputFormat() override { return &m_outputFormat; }
   HRESULT Process(std::int64_t sampleFrom, AudioBuffer* input, AudioBuffer* outputs,
