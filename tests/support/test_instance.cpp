@@ -27,6 +27,7 @@ void TestInstance::Destroy() {
 
 ConnectedRig::ConnectedRig(bool withPorts, bool withTimeConverter) {
   context.tempoMap = &tempoMap;
+  context.pinObserver = &pinObserver;
   if (withTimeConverter) context.timeConverter = &timeConverter;
   if (withPorts) context.midiPorts = &ports;
   context.AddRef();  // Connect releases one reference that it was only lent

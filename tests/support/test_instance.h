@@ -29,11 +29,12 @@ class TestInstance {
   HRESULT m_constructed = S_OK;
 };
 
-// An instance connected to a fake host, with its output enabled on the host's first port and
-// activity going to a recorder. The host's objects outlive the instance.
+// An instance connected to a fake host that observes pin changes, with its output enabled on
+// the host's first port and activity going to a recorder. The host's objects outlive the instance.
 struct ConnectedRig {
   FakeTempoMap tempoMap;
   FakeTimeConverter timeConverter{kSamplesPerTick};
+  FakePinObserver pinObserver;
   FakeMidiPorts ports;
   FakeInputSink sink;
   FakeHostContext context;
