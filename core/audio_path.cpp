@@ -18,7 +18,8 @@ constexpr std::int32_t kMostConnectedOutputs = 256;
 
 // The sample position of media time `time` at `rate`: time * rate / 10^7, without overflow.
 std::int64_t SamplePosition(REFERENCE_TIME time, std::uint32_t rate) {
-  const std::int64_t seconds = std::clamp(time / kUnitsPerSecond, -kLongestSeconds, kLongestSeconds);
+  const std::int64_t seconds =
+      std::clamp(time / kUnitsPerSecond, -kLongestSeconds, kLongestSeconds);
   return seconds * rate + time % kUnitsPerSecond * rate / kUnitsPerSecond;
 }
 
@@ -231,7 +232,8 @@ HRESULT CFilter::CheckAudioType(const CMediaType& type, PIN_DIRECTION direction)
     return VFW_E_TYPE_NOT_ACCEPTED;
   const std::uint16_t tag = format->wFormatTag;
   const std::uint16_t bits = format->wBitsPerSample;
-  const bool pcm16 = (tag == WAVE_FORMAT_PCM_TAG || tag == WAVE_FORMAT_EXTENSIBLE_TAG) && bits == 16;
+  const bool pcm16 =
+      (tag == WAVE_FORMAT_PCM_TAG || tag == WAVE_FORMAT_EXTENSIBLE_TAG) && bits == 16;
   const bool float32 = tag == WAVE_FORMAT_IEEE_FLOAT_TAG && bits == 32;
   const std::uint16_t channels = format->nChannels;
   if ((!pcm16 && !float32) || (channels != 1 && channels != 2)) return VFW_E_TYPE_NOT_ACCEPTED;

@@ -107,11 +107,12 @@ class CExternalHardwareProxyDXi : public CDXi {
   HRESULT IsValidOutputFormat(const WaveFormat& format) override;
   HRESULT IsValidTransform(const WaveFormat& input, const WaveFormat& output) override;
   HRESULT SuggestOutputFormat(WaveFormat&) override { return S_OK; }
-  // [streaming thread, instance lock] Copies the input's frames, all its channels, byte for byte
-  // to the first output; a silent input makes that output silent instead. Other outputs keep
-  // their silence. 1 without input, else 0. The audio is never changed.
   const WaveFormat* GetInputFormat() override { return &m_inputFormat; }
   const WaveFormat* GetOutputFormat() override { return &m_outputFormat; }
+  // [streaming thread, instance lock] Copies the input's frames, all its channels, byte for byte
+  // to the first output; a silent input makes that output silent instead. Other outputs keep
+  // their silence. 1 without input, else 0. The audio is never changed, and the events in
+  // `voiceQueue` are left alone: nothing of the sequenced line is ever sent.
   HRESULT Process(std::int64_t sampleFrom, AudioBuffer* input, AudioBuffer* outputs,
                   std::int32_t outputCount, std::int64_t streamSample,
                   VoiceQueue& voiceQueue) override;

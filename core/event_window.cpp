@@ -115,13 +115,19 @@ HRESULT CSoftSynth::RunEventWindow(std::int32_t frames) {
   const std::int64_t to = from + frames;
   auto kept = m_pendingEvents.begin();
   HRESULT hr = S_OK;
+  ChannelState* state = nullptr;  // map nodes stay put: the key's state is looked up once a run
+  std::int32_t stateKey = 0;
   for (auto it = m_pendingEvents.begin(); it != m_pendingEvents.end(); ++it) {
     const std::int64_t time = it->sampleTime;
     if (time < from || time >= to) {
       *kept++ = *it;
       continue;
     }
-    hr = TakeIntoVoices(*it);
+    if (!state || stateKey != it->channelKey) {
+      stateKey = it->channelKey;
+      state = &m_channelStates[stateKey];
+    }
+    hr = TakeIntoVoices(*it, *state);
     if (FAILED(hr)) {
       kept = std::move(it + 1, m_pendingEvents.end(), kept);
       break;
@@ -133,8 +139,7 @@ HRESULT CSoftSynth::RunEventWindow(std::int32_t frames) {
   return S_OK;
 }
 
-HRESULT CSoftSynth::TakeIntoVoices(HostEventRecord event) {
-  ChannelState& state = m_channelStates[event.channelKey];
+HRESULT CSoftSynth::TakeIntoVoices(HostEventRecord event, ChannelState& state) {
   if (event.kind == HostEventRecord::kMuteMask)
     state.muteBits = static_cast<std::uint8_t>((state.muteBits & ~event.channel) | event.port);
   if (IsNote(event)) {

@@ -190,8 +190,9 @@ class CSoftSynth : public CDXiSynthContext,
                          MidiPortHandle handle);
   void CountAndShowOutput(std::uint32_t level);
   std::shared_ptr<const std::vector<std::uint8_t>> SysexPrefixSnapshot() const;
-  // [instance lock] Adjusts the copy of a taken event and queues it; the window pass's result.
-  HRESULT TakeIntoVoices(HostEventRecord event);
+  // [instance lock] Adjusts the copy of a taken event by its key's `state` and queues it; the
+  // processing class's negative answer ends the window pass.
+  HRESULT TakeIntoVoices(HostEventRecord event, ChannelState& state);
   void CloseOpenNotes();
   // [instance lock] What OnStart and OnStop share: flush by force and empty both queues.
   void DropSequencedEvents();

@@ -257,7 +257,7 @@ TEST(AudioPath, NoteVoicesStayQueuedWhileOtherEventsLeaveOnceThePassIsOver) {
   rig.source.PushFloats(Pattern(500, 0));
   rig.source.PushFloats(Pattern(500, 0));
   ASSERT_EQ(rig.host.instance->Voices().size(), 1u);
-  EXPECT_EQ(rig.host.instance->Voices()[0].kind, HostEventRecord::kNote);
+  EXPECT_EQ(std::uint32_t{rig.host.instance->Voices()[0].kind}, HostEventRecord::kNote);
 }
 
 TEST(AudioPath, NothingFromTheSequencedLineEverReachesAPortOrTheSink) {

@@ -61,10 +61,10 @@ TEST_F(EventWindow, TakesFromItsStartUpToButNotIncludingItsEndKeepingTheRestInOr
   EXPECT_EQ(Times(rig.instance->PendingEvents()), (std::vector<std::uint32_t>{5, 7}));
 
   const HostEventRecord taken = rig.instance->Voices()[0];
-  EXPECT_EQ(taken.channelKey, kKey);
-  EXPECT_EQ(taken.sampleTime, 0);
-  EXPECT_EQ(taken.flagsLow, 0u);
-  EXPECT_EQ(taken.flagsHigh, 2u);
+  EXPECT_EQ(std::int32_t{taken.channelKey}, kKey);
+  EXPECT_EQ(std::int64_t{taken.sampleTime}, 0);
+  EXPECT_EQ(std::uint32_t{taken.flagsLow}, 0u);
+  EXPECT_EQ(std::uint32_t{taken.flagsHigh}, 2u);
   EXPECT_EQ(taken.channel, 15) << "every event that passes gets channel 15, not its own 3";
   EXPECT_EQ(rig.instance->Voices()[1].Message(), 0x00407F90u);
   EXPECT_EQ(rig.instance->ChannelStateOf(kKey)->channel, 15);
@@ -101,9 +101,9 @@ TEST_F(EventWindow, OffsetsAreSignedAndClampKeyAndVelocityIncludingNoteOffs) {
   ASSERT_EQ(voices.size(), 3u) << "the note-off was adjusted to 127 too, so it matched";
   EXPECT_EQ(voices[0].key, 127);
   EXPECT_EQ(voices[0].velocity, 99);
-  EXPECT_EQ(voices[0].duration, 0u);
+  EXPECT_EQ(std::uint32_t{voices[0].duration}, 0u);
   EXPECT_EQ(voices[1].key, 60);
-  EXPECT_EQ(voices[1].duration, kOpen);
+  EXPECT_EQ(std::uint32_t{voices[1].duration}, kOpen);
   EXPECT_EQ(voices[2].key, 0);
   EXPECT_EQ(voices[2].velocity, 127);
 }
@@ -113,7 +113,7 @@ TEST_F(EventWindow, MuteBitEightDropsNotesButLetsOtherEventsThrough) {
   Send({Note(0, 60, 100, kOpen), Message(0, 0x00407FB0)});
   rig.instance->RunEventWindow(kTick);
   ASSERT_EQ(rig.instance->Voices().size(), 1u);
-  EXPECT_EQ(rig.instance->Voices()[0].kind, HostEventRecord::kShortMessage);
+  EXPECT_EQ(std::uint32_t{rig.instance->Voices()[0].kind}, HostEventRecord::kShortMessage);
 
   HostEventRecord unmute{};
   unmute.time = 0;
@@ -130,15 +130,16 @@ TEST_F(EventWindow, ANoteOffClosesOneOpenNoteOfItsKeyPerPassOldestFirst) {
   rig.instance->RunEventWindow(kTick);
   auto voices = rig.instance->Voices();
   ASSERT_EQ(voices.size(), 3u);
-  EXPECT_EQ(voices[0].duration, 0u) << "the older note closes first";
-  EXPECT_EQ(voices[1].duration, kOpen);
-  EXPECT_EQ(voices[2].duration, kOpen) << "another key is left alone";
+  EXPECT_EQ(std::uint32_t{voices[0].duration}, 0u) << "the older note closes first";
+  EXPECT_EQ(std::uint32_t{voices[1].duration}, kOpen);
+  EXPECT_EQ(std::uint32_t{voices[2].duration}, kOpen) << "another key is left alone";
 
   rig.instance->RunEventWindow(kTick);
   voices = rig.instance->Voices();
   ASSERT_EQ(voices.size(), 2u);
   EXPECT_EQ(voices[0].velocity, 2);
-  EXPECT_EQ(voices[0].duration, 0u) << "the closed note closes the next one in the next pass";
+  EXPECT_EQ(std::uint32_t{voices[0].duration}, 0u)
+      << "the closed note closes the next one in the next pass";
 
   rig.instance->RunEventWindow(kTick);
   ASSERT_EQ(rig.instance->Voices().size(), 1u);
