@@ -147,15 +147,7 @@ HRESULT CFilter::ReceiveAudio(IMediaSample* sample) {
   }
   if (in.nBlockAlign == 0 || (count > 0 && out.nBlockAlign == 0)) return E_UNEXPECTED;
 
-  std::optional<REFERENCE_TIME> start;
-  REFERENCE_TIME t0 = 0, t1 = 0;
-  if (sample->IsDiscontinuity() == S_OK) {
-    const HRESULT timed = sample->GetTime(&t0, &t1);
-    if (timed == S_OK || timed == VFW_S_NO_STOP_TIME) {
-      m_inputSample = SamplePosition(t0, in.nSamplesPerSec);
-      start = t0;
-    }
-  }
+  const std::optional<REFERENCE_TIME> start = TakeDiscontinuity(sample, in.nSamplesPerSec);
   const std::int32_t frames = sample->GetActualDataLength() / in.nBlockAlign;
   AudioBuffer input{frames, 0, 0, sample, ReadBackSilence(sample)};
   std::vector<std::int64_t> changes;
@@ -170,7 +162,6 @@ HRESULT CFilter::ReceiveAudio(IMediaSample* sample) {
     if (outputs[i].frames < frames) return E_FAIL;
     outputs[i].frames = frames;
   }
-
   AudioPass pass{*this, input, outputs, count, in.nBlockAlign, out.nBlockAlign};
   hr = CutAtChanges(changes, m_inputSample, frames, pass);
   if (FAILED(hr)) return hr;
@@ -185,6 +176,16 @@ HRESULT CFilter::ReceiveAudio(IMediaSample* sample) {
   m_inputSample += frames;
   hr = FlushVoices(0);
   return FAILED(hr) ? hr : S_OK;
+}
+
+std::optional<REFERENCE_TIME> CFilter::TakeDiscontinuity(IMediaSample* sample,
+                                                         std::uint32_t rate) {
+  if (sample->IsDiscontinuity() != S_OK) return std::nullopt;
+  REFERENCE_TIME start = 0, stop = 0;
+  const HRESULT hr = sample->GetTime(&start, &stop);
+  if (hr != S_OK && hr != VFW_S_NO_STOP_TIME) return std::nullopt;
+  m_inputSample = SamplePosition(start, rate);
+  return start;
 }
 
 // The processing class is asked for more until it has none; each answer goes out of every pin.

@@ -7,6 +7,7 @@
 #include <atomic>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "core/dxi.h"
@@ -127,6 +128,9 @@ class CFilter final : public CSoftSynth,
   CFilterOutputPin* OutputPinById(std::uint32_t id);
   // [instance lock] The connected output pins into `pins`, in list order; at most `capacity`.
   void CollectConnectedOutputs(CFilterOutputPin** pins, std::int32_t capacity);
+  // [streaming thread] For a sample that marks a discontinuity and has a start time: moves the
+  // input position to that time and gives it back, to be set on the output samples.
+  std::optional<REFERENCE_TIME> TakeDiscontinuity(IMediaSample* sample, std::uint32_t rate);
   // [streaming thread] The sample positions in [from, from + frames) where an automated
   // parameter changes, in order. No parameter is automated yet, so the list stays empty and
   // nothing is allocated.
