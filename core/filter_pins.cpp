@@ -88,11 +88,17 @@ HRESULT CFilterOutputPin::NonDelegatingQueryInterface(REFIID iid, void** object)
   return CBaseOutputPin::NonDelegatingQueryInterface(iid, object);
 }
 
-ULONG CFilterOutputPin::NonDelegatingAddRef() { return CUnknown::NonDelegatingAddRef(); }
+ULONG CFilterOutputPin::NonDelegatingAddRef() { return ++m_refs; }
 
+// Only the last release takes the pin's lock: the others come from neighbours that may hold
+// locks of their own, and taking ours under theirs would invert the order of a connection.
 ULONG CFilterOutputPin::NonDelegatingRelease() {
-  CAutoLock lock(*m_pLock);
-  return CUnknown::NonDelegatingRelease();
+  const ULONG left = --m_refs;
+  if (left == 0) {
+    CAutoLock lock(*m_pLock);  // the filter's lock: it outlives the pin
+    delete this;
+  }
+  return left;
 }
 
 HRESULT CFilterOutputPin::CheckConnect(IPin* pin) {

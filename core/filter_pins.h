@@ -3,6 +3,7 @@
 // output pin; only 32-bit floating point audio of one or two channels connects.
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <memory>
 
@@ -51,7 +52,7 @@ class CFilterInputPin final : public CBaseInputPin {
 };
 
 // An output pin lives by its own reference count, not the filter's: the filter's pin list holds
-// one reference, and the pin is deleted when the last goes. It connects only while the input is
+// one reference, and the pin is deleted under the pin's lock when the last goes. It connects only while the input is
 // connected, and then only to the input's format or one that the processing class can make of it.
 class CFilterOutputPin final : public CBaseOutputPin {
  public:
@@ -85,4 +86,5 @@ class CFilterOutputPin final : public CBaseOutputPin {
  private:
   CFilter* m_filter;
   const std::uint32_t m_id;
+  std::atomic<ULONG> m_refs{0};
 };
