@@ -98,22 +98,15 @@ struct CFilter::AudioPass {
   std::uint16_t outputAlign;
   HRESULT processed = S_OK;  // the last answer of the processing class
 
-  HRESULT Apply(std::int64_t position) {
-    CAutoLock lock(filter.InstanceLock());
-    return filter.ApplyParameters(position);
-  }
+  HRESULT Apply(std::int64_t position) { return filter.ApplyParameters(position); }
   bool LastFailed() const { return FAILED(processed); }
 
   HRESULT Segment(std::int32_t frames, std::int64_t from) {
-    CAutoLock lock(filter.InstanceLock());
     for (std::int32_t i = 0; i < outputCount; ++i) outputs[i].frames = frames;
-    const HRESULT hr = filter.RunEventWindow(frames);
-    if (FAILED(hr)) return hr;
-    processed = filter.ProcessAt(from, &input, outputs, outputCount);
+    const HRESULT hr = filter.RunSegment(from, &input, outputs, outputCount, frames, processed);
     input.byteOffset += frames * inputAlign;
     for (std::int32_t i = 0; i < outputCount; ++i) outputs[i].byteOffset += frames * outputAlign;
-    filter.AdvanceStream(frames);
-    return filter.FlushVoices(0);
+    return hr;
   }
 };
 
@@ -137,7 +130,7 @@ HRESULT CFilter::ReceiveAudio(IMediaSample* sample) {
   WaveFormat out{};
   {
     CAutoLock lock(InstanceLock());
-    count = ConnectedOutputCount();
+    count = CountConnectedOutputs();
     if (count > kMostConnectedOutputs) return E_OUTOFMEMORY;
     pins = TARN_STACK_ARRAY(CFilterOutputPin*, count);
     outputs = TARN_STACK_ARRAY(AudioBuffer, count);
@@ -148,10 +141,12 @@ HRESULT CFilter::ReceiveAudio(IMediaSample* sample) {
   if (in.nBlockAlign == 0 || (count > 0 && out.nBlockAlign == 0)) return E_UNEXPECTED;
 
   const std::optional<REFERENCE_TIME> start = TakeDiscontinuity(sample, in.nSamplesPerSec);
+  // Only this thread moves the position while streaming: plain loads and stores will do.
+  const std::int64_t position = m_inputSample.load(std::memory_order_relaxed);
   const std::int32_t frames = sample->GetActualDataLength() / in.nBlockAlign;
   AudioBuffer input{frames, 0, 0, sample, ReadBackSilence(sample)};
   std::vector<std::int64_t> changes;
-  HRESULT hr = ParameterChanges(m_inputSample, frames, changes);
+  HRESULT hr = ParameterChanges(position, frames, changes);
   if (FAILED(hr)) return hr;
 
   TakenOutputs taken(outputs);
@@ -163,7 +158,7 @@ HRESULT CFilter::ReceiveAudio(IMediaSample* sample) {
     outputs[i].frames = frames;
   }
   AudioPass pass{*this, input, outputs, count, in.nBlockAlign, out.nBlockAlign};
-  hr = CutAtChanges(changes, m_inputSample, frames, pass);
+  hr = CutAtChanges(changes, position, frames, pass);
   if (FAILED(hr)) return hr;
   for (std::int32_t i = 0; i < count; ++i) {
     outputs[i].frames = frames;
@@ -172,8 +167,8 @@ HRESULT CFilter::ReceiveAudio(IMediaSample* sample) {
   }
   taken.ReleaseAll();
 
-  SendClockIfDue(m_inputSample);
-  m_inputSample += frames;
+  SendClockIfDue(position);
+  m_inputSample.store(position + frames, std::memory_order_relaxed);
   hr = FlushVoices(0);
   return FAILED(hr) ? hr : S_OK;
 }
@@ -184,14 +179,14 @@ std::optional<REFERENCE_TIME> CFilter::TakeDiscontinuity(IMediaSample* sample,
   REFERENCE_TIME start = 0, stop = 0;
   const HRESULT hr = sample->GetTime(&start, &stop);
   if (hr != S_OK && hr != VFW_S_NO_STOP_TIME) return std::nullopt;
-  m_inputSample = SamplePosition(start, rate);
+  m_inputSample.store(SamplePosition(start, rate), std::memory_order_relaxed);
   return start;
 }
 
 // The processing class is asked for more until it has none; each answer goes out of every pin.
 HRESULT CFilter::EndAudioStream() {
   CAutoLock lock(InstanceLock());
-  const std::int32_t count = ConnectedOutputCount();
+  const std::int32_t count = CountConnectedOutputs();
   if (count == 0) return S_OK;
   if (count > kMostConnectedOutputs) return E_OUTOFMEMORY;
   const std::uint16_t align = m_outputFormat.nBlockAlign;

@@ -111,6 +111,10 @@ HRESULT CSoftSynth::OnNotify(const void* message) {
 // survivors are compacted in one sweep so that the pass stays linear in the pending count.
 HRESULT CSoftSynth::RunEventWindow(std::int32_t frames) {
   CAutoLock lock(InstanceLock());
+  return WindowPass(frames);
+}
+
+HRESULT CSoftSynth::WindowPass(std::int32_t frames) {
   const std::int64_t from = m_streamSample;
   const std::int64_t to = from + frames;
   auto kept = m_pendingEvents.begin();
@@ -133,7 +137,7 @@ HRESULT CSoftSynth::RunEventWindow(std::int32_t frames) {
       break;
     }
   }
-  m_pendingEvents.erase(kept, m_pendingEvents.end());
+  if (kept != m_pendingEvents.end()) m_pendingEvents.erase(kept, m_pendingEvents.end());
   if (FAILED(hr)) return hr;
   CloseOpenNotes();
   return S_OK;
@@ -160,6 +164,7 @@ HRESULT CSoftSynth::TakeIntoVoices(HostEventRecord event, ChannelState& state) {
 // Each note-off leaves the queue and closes the oldest open note of its key, which stays queued
 // as a note-off of its own and so closes the next open note of that key in the next pass.
 void CSoftSynth::CloseOpenNotes() {
+  if (m_voiceQueue.empty()) return;
   std::array<bool, 128> offs{};
   std::erase_if(m_voiceQueue, [&offs](const HostEventRecord& r) {
     if (!IsNote(r) || r.duration != 0) return false;
@@ -175,6 +180,10 @@ void CSoftSynth::CloseOpenNotes() {
 
 HRESULT CSoftSynth::FlushVoices(std::int32_t force) {
   CAutoLock lock(InstanceLock());
+  return FlushPass(force);
+}
+
+HRESULT CSoftSynth::FlushPass(std::int32_t force) {
   HRESULT hr = S_OK;
   auto kept = m_voiceQueue.begin();
   for (auto it = m_voiceQueue.begin(); it != m_voiceQueue.end(); ++it) {
@@ -191,8 +200,20 @@ HRESULT CSoftSynth::FlushVoices(std::int32_t force) {
     }
     if (!drop) *kept++ = *it;
   }
-  m_voiceQueue.erase(kept, m_voiceQueue.end());
+  if (kept != m_voiceQueue.end()) m_voiceQueue.erase(kept, m_voiceQueue.end());
   return FAILED(hr) ? hr : S_OK;
+}
+
+HRESULT CSoftSynth::RunSegment(std::int64_t position, AudioBuffer* input, AudioBuffer* outputs,
+                               std::int32_t outputCount, std::int32_t frames,
+                               HRESULT& processed) {
+  CAutoLock lock(InstanceLock());
+  const HRESULT hr = WindowPass(frames);
+  if (FAILED(hr)) return hr;
+  processed =
+      m_dxi->Process(position, input, outputs, outputCount, m_streamSample, m_voiceQueue);
+  m_streamSample += frames;
+  return FlushPass(0);
 }
 
 HRESULT CSoftSynth::ProcessAt(std::int64_t position, AudioBuffer* input, AudioBuffer* outputs,

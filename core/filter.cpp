@@ -153,6 +153,10 @@ std::int32_t CFilter::GetOutputPinId(std::int32_t index) {
 
 std::int32_t CFilter::ConnectedOutputCount() {
   CAutoLock lock(InstanceLock());
+  return CountConnectedOutputs();
+}
+
+std::int32_t CFilter::CountConnectedOutputs() const {
   return static_cast<std::int32_t>(
       std::count_if(m_outputPins.begin(), m_outputPins.end(),
                     [](const CFilterOutputPin* p) { return p->IsConnected(); }));

@@ -126,6 +126,8 @@ class CFilter final : public CSoftSynth,
 
   void ReportGraphChanged();
   CFilterOutputPin* OutputPinById(std::uint32_t id);
+  // [instance lock] How many output pins are connected.
+  std::int32_t CountConnectedOutputs() const;
   // [instance lock] The connected output pins into `pins`, in list order; at most `capacity`.
   void CollectConnectedOutputs(CFilterOutputPin** pins, std::int32_t capacity);
   // [streaming thread] For a sample that marks a discontinuity and has a start time: moves the
@@ -136,7 +138,7 @@ class CFilter final : public CSoftSynth,
   // nothing is allocated.
   HRESULT ParameterChanges(std::int64_t from, std::int32_t frames,
                            std::vector<std::int64_t>& changes);
-  // [streaming thread, instance lock] Brings automated parameters up to `position`.
+  // [streaming thread] Brings automated parameters up to `position`.
   HRESULT ApplyParameters(std::int64_t position);
 
   std::unique_ptr<CFilterInputPin> m_inputPin;

@@ -169,6 +169,11 @@ class CSoftSynth : public CDXiSynthContext,
   void EndAllWorkers();
   // The facet handed to the sink as the sender.
   IMfxInputPort* InputPortFacet() noexcept { return this; }
+  // [streaming thread] One segment of `frames` frames from sample `position`, under one hold of
+  // the instance lock: the event window, Process (its answer in `processed`), the stream
+  // position moved on, a flush of the voices. The window's or the flush's failure, else 0.
+  HRESULT RunSegment(std::int64_t position, AudioBuffer* input, AudioBuffer* outputs,
+                     std::int32_t outputCount, std::int32_t frames, HRESULT& processed);
   // [streaming thread, instance lock] The processing class's Process at the current stream
   // position, with the voice queue.
   HRESULT ProcessAt(std::int64_t position, AudioBuffer* input, AudioBuffer* outputs,
@@ -190,6 +195,9 @@ class CSoftSynth : public CDXiSynthContext,
                          MidiPortHandle handle);
   void CountAndShowOutput(std::uint32_t level);
   std::shared_ptr<const std::vector<std::uint8_t>> SysexPrefixSnapshot() const;
+  // [instance lock] RunEventWindow and FlushVoices with the lock already held.
+  HRESULT WindowPass(std::int32_t frames);
+  HRESULT FlushPass(std::int32_t force);
   // [instance lock] Adjusts the copy of a taken event by its key's `state` and queues it; the
   // processing class's negative answer ends the window pass.
   HRESULT TakeIntoVoices(HostEventRecord event, ChannelState& state);
