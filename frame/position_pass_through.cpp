@@ -121,3 +121,6 @@ HRESULT CPositionPassThrough::CanSeekForward(std::int32_t* canSeek) {
 HRESULT CPositionPassThrough::CanSeekBackward(std::int32_t* canSeek) {
   return TARN_POSITION(CanSeekBackward(canSeek));
 }
+
+#undef TARN_SEEKING
+#undef TARN_POSITION
