@@ -52,7 +52,6 @@ class CFilter final : public CSoftSynth,
   std::int32_t GetOutputPinCount() override;
   // The id, or -1 for an index outside the list.
   std::int32_t GetOutputPinId(std::int32_t index) override;
-  std::int32_t ConnectedOutputCount();
 
   // --- the audio path, for the pins -----------------------------------------------------------
   // [graph thread] The checks of an audio type for either direction, in order, each refusing
