@@ -2,6 +2,7 @@
 // into, and the processing class itself, which holds the instance lock and the wave formats.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <deque>
 
@@ -23,6 +24,10 @@ struct ChannelState {
   std::int8_t keyOffset2 = 0;
 };
 static_assert(sizeof(ChannelState) == 6);
+static_assert(offsetof(ChannelState, muteBits) == 1);
+static_assert(offsetof(ChannelState, velocityOffset1) == 2);
+static_assert(offsetof(ChannelState, keyOffset1) == 4);
+static_assert(offsetof(ChannelState, keyOffset2) == 5);
 
 // One stretch of one media sample as Process sees it.
 struct AudioBuffer {
@@ -32,6 +37,17 @@ struct AudioBuffer {
   IMediaSample* sample;
   std::int32_t silent;      // the data is to be taken as zero and has not been written
 };
+
+// [holder] Where the buffer's stretch starts: the sample's data plus `byteOffset`.
+std::uint8_t* DataAt(const AudioBuffer& buffer);
+// [holder] DataAt for a stretch that is about to be overwritten whole: clears `silent`, and
+// zeroes nothing first, as the write covers it.
+std::uint8_t* WritePosition(AudioBuffer& buffer);
+// [holder] Marks the buffer silent, and its sample too when the sample can say so.
+void MarkSilent(AudioBuffer& buffer);
+// [holder] Makes a silent buffer read as silence when delivered: the sample says so when it can,
+// else `bytes` of its stretch (never past the sample's end) are zeroed.
+void SettleSilence(AudioBuffer& buffer, std::int32_t bytes);
 
 using VoiceQueue = std::deque<HostEventRecord>;
 
@@ -93,6 +109,10 @@ class CExternalHardwareProxyDXi : public CDXi {
   HRESULT SuggestOutputFormat(WaveFormat&) override { return S_OK; }
   const WaveFormat* GetInputFormat() override { return &m_inputFormat; }
   const WaveFormat* GetOutputFormat() override { return &m_outputFormat; }
+  // [streaming thread, instance lock] Copies the input's frames, all its channels, byte for byte
+  // to the first output; a silent input makes that output silent instead. Other outputs keep
+  // their silence. 1 without input, else 0. The audio is never changed, and the events in
+  // `voiceQueue` are left alone: nothing of the sequenced line is ever sent.
   HRESULT Process(std::int64_t sampleFrom, AudioBuffer* input, AudioBuffer* outputs,
                   std::int32_t outputCount, std::int64_t streamSample,
                   VoiceQueue& voiceQueue) override;

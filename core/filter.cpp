@@ -151,8 +151,7 @@ std::int32_t CFilter::GetOutputPinId(std::int32_t index) {
   return static_cast<std::int32_t>(m_outputPins[static_cast<std::size_t>(index)]->Id());
 }
 
-std::int32_t CFilter::ConnectedOutputCount() {
-  CAutoLock lock(InstanceLock());
+std::int32_t CFilter::CountConnectedOutputs() const {
   return static_cast<std::int32_t>(
       std::count_if(m_outputPins.begin(), m_outputPins.end(),
                     [](const CFilterOutputPin* p) { return p->IsConnected(); }));

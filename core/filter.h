@@ -4,8 +4,10 @@
 // facets, all answering through one QueryInterface table.
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "core/dxi.h"
@@ -50,7 +52,40 @@ class CFilter final : public CSoftSynth,
   std::int32_t GetOutputPinCount() override;
   // The id, or -1 for an index outside the list.
   std::int32_t GetOutputPinId(std::int32_t index) override;
-  std::int32_t ConnectedOutputCount();
+
+  // --- the audio path, for the pins -----------------------------------------------------------
+  // [graph thread] The checks of an audio type for either direction, in order, each refusing
+  // with VFW_E_TYPE_NOT_ACCEPTED: major type audio; no temporal compression; a wave format
+  // record; PCM or extensible at 16 bits, or floating point at 32; one or two channels; a block
+  // align of one frame; then the processing class's input or output test. Only 32-bit floating
+  // point passes them all.
+  HRESULT CheckAudioType(const CMediaType& type, PIN_DIRECTION direction);
+  // [graph thread, instance lock] Asks the graph to reconnect each connected output pin whose
+  // type no longer fits the input's; nothing outside a graph.
+  void ReconnectUnfitOutputs();
+  // [streaming thread] One input sample: its frames go through the event window and the
+  // processing class in segments cut at parameter changes, into a buffer of every connected
+  // output pin, which is then delivered (or, when the processing class has no more data, ends
+  // the stream); then the MIDI clock, the input position and a flush of the voices follow. 0, or
+  // the first failure, which ends the pass without delivering.
+  HRESULT ReceiveAudio(IMediaSample* sample);
+  // [streaming thread or graph thread, instance lock] The end of the input's stream: each
+  // connected output pin is given a buffer of the processing class's last data until it has no
+  // more, and then end of stream; with this processing class that is end of stream twice.
+  HRESULT EndAudioStream();
+  // [graph thread, instance lock] Calls `step` with each connected output pin in list order;
+  // the first failure stops it and is the answer.
+  template <class Step>
+  HRESULT ForEachConnectedOutput(Step step) {
+    CAutoLock lock(InstanceLock());
+    for (CFilterOutputPin* pin : m_outputPins) {
+      if (!pin->IsConnected()) continue;
+      const HRESULT hr = step(*pin);
+      if (FAILED(hr)) return hr;
+    }
+    return S_OK;
+  }
+  CFilterInputPin& InputPin() noexcept { return *m_inputPin; }
 
   // --- filter frame ---------------------------------------------------------------------------
   // Pin 0 is the input, then the output pins in list order.
@@ -86,10 +121,28 @@ class CFilter final : public CSoftSynth,
 
  private:
   CFilter(IUnknown* outer, HRESULT* phr);
+  struct AudioPass;
+
   void ReportGraphChanged();
   CFilterOutputPin* OutputPinById(std::uint32_t id);
+  // [instance lock] How many output pins are connected.
+  std::int32_t CountConnectedOutputs() const;
+  // [instance lock] The connected output pins into `pins`, in list order; at most `capacity`.
+  void CollectConnectedOutputs(CFilterOutputPin** pins, std::int32_t capacity);
+  // [streaming thread] For a sample that marks a discontinuity and has a start time: moves the
+  // input position to that time and gives it back, to be set on the output samples.
+  std::optional<REFERENCE_TIME> TakeDiscontinuity(IMediaSample* sample, std::uint32_t rate);
+  // [streaming thread] The sample positions in [from, from + frames) where an automated
+  // parameter changes, in order. No parameter is automated yet, so the list stays empty and
+  // nothing is allocated.
+  HRESULT ParameterChanges(std::int64_t from, std::int32_t frames,
+                           std::vector<std::int64_t>& changes);
+  // [streaming thread] Brings automated parameters up to `position`.
+  HRESULT ApplyParameters(std::int64_t position);
 
   std::unique_ptr<CFilterInputPin> m_inputPin;
   std::vector<CFilterOutputPin*> m_outputPins;  // each holds one reference of the list
-  std::int64_t m_inputSample = 0;
+  // The sample position of the next input sample: set by the graph thread, moved by the
+  // streaming thread.
+  std::atomic<std::int64_t> m_inputSample{0};
 };

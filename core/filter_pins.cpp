@@ -2,31 +2,160 @@
 
 #include "core/filter.h"
 
+namespace {
+
+constexpr std::int64_t kMostBufferBytes = INT32_MAX;
+
+}  // namespace
+
+// --- input -------------------------------------------------------------------------------------
+
 CFilterInputPin::CFilterInputPin(CFilter* filter, CCritSec* lock, HRESULT* phr)
     : CBaseInputPin(L"Input pin", filter, lock, phr, L"Input"), m_filter(filter) {}
 
-// Which formats pass, and streaming itself, arrive with the audio path.
-HRESULT CFilterInputPin::CheckMediaType(const CMediaType&) { return E_NOTIMPL; }
+CFilterInputPin::~CFilterInputPin() = default;
+
+HRESULT CFilterInputPin::CheckMediaType(const CMediaType& type) {
+  return m_filter->CheckAudioType(type, PINDIR_INPUT);
+}
+
+HRESULT CFilterInputPin::SetMediaType(const CMediaType& type) {
+  m_filter->SetInputFormat(*type.WaveFormatPtr());  // checked before it is set
+  return CBaseInputPin::SetMediaType(type);
+}
+
+HRESULT CFilterInputPin::CompleteConnect(IPin* receivePin) {
+  const HRESULT hr = CBaseInputPin::CompleteConnect(receivePin);
+  if (SUCCEEDED(hr)) m_filter->ReconnectUnfitOutputs();
+  return hr;
+}
+
+HRESULT CFilterInputPin::Receive(IMediaSample* sample) {
+  const HRESULT hr = CBaseInputPin::Receive(sample);
+  return hr == S_OK ? m_filter->ReceiveAudio(sample) : hr;
+}
 
 HRESULT CFilterInputPin::EndOfStream() {
   CAutoLock lock(*m_pLock);
-  if (m_filter->ConnectedOutputCount() == 0) return S_OK;
-  return E_NOTIMPL;
+  return m_filter->EndAudioStream();
 }
+
+HRESULT CFilterInputPin::BeginFlush() {
+  CAutoLock lock(*m_pLock);
+  CBaseInputPin::BeginFlush();
+  return m_filter->ForEachConnectedOutput([](CFilterOutputPin& pin) {
+    return pin.DeliverBeginFlush();
+  });
+}
+
+HRESULT CFilterInputPin::EndFlush() {
+  CAutoLock lock(*m_pLock);
+  CBaseInputPin::EndFlush();
+  return m_filter->ForEachConnectedOutput([](CFilterOutputPin& pin) {
+    return pin.DeliverEndFlush();
+  });
+}
+
+HRESULT CFilterInputPin::NewSegment(REFERENCE_TIME start, REFERENCE_TIME stop, double rate) {
+  CAutoLock lock(*m_pLock);
+  CBaseInputPin::NewSegment(start, stop, rate);
+  return m_filter->ForEachConnectedOutput([&](CFilterOutputPin& pin) {
+    return pin.DeliverNewSegment(start, stop, rate);
+  });
+}
+
+HRESULT CFilterInputPin::AllocatorProperties(ALLOCATOR_PROPERTIES* properties) {
+  CAutoLock lock(*m_pLock);
+  return m_pAllocator ? m_pAllocator->GetProperties(properties) : VFW_E_NO_ALLOCATOR;
+}
+
+CPositionPassThrough& CFilterInputPin::PositionPassThrough() {
+  CAutoLock lock(*m_pLock);
+  if (!m_position)
+    m_position = std::make_unique<CPositionPassThrough>(m_pFilter->GetOwner(), *this);
+  return *m_position;
+}
+
+// --- outputs -----------------------------------------------------------------------------------
 
 CFilterOutputPin::CFilterOutputPin(CFilter* filter, CCritSec* lock, HRESULT* phr,
                                    const wchar_t* name, std::uint32_t id)
-    : CBaseOutputPin(L"Output pin", filter, lock, phr, name), m_id(id) {}
+    : CBaseOutputPin(L"Output pin", filter, lock, phr, name), m_filter(filter), m_id(id) {}
 
-ULONG CFilterOutputPin::NonDelegatingAddRef() { return CUnknown::NonDelegatingAddRef(); }
-
-ULONG CFilterOutputPin::NonDelegatingRelease() {
-  CAutoLock lock(*m_pLock);
-  return CUnknown::NonDelegatingRelease();
+HRESULT CFilterOutputPin::NonDelegatingQueryInterface(REFIID iid, void** object) {
+  if (object && (iid == IID_IMediaPosition || iid == IID_IMediaSeeking))
+    return m_filter->InputPin().PositionPassThrough().NonDelegatingQueryInterface(iid, object);
+  return CBaseOutputPin::NonDelegatingQueryInterface(iid, object);
 }
 
-HRESULT CFilterOutputPin::CheckMediaType(const CMediaType&) { return E_NOTIMPL; }
+ULONG CFilterOutputPin::NonDelegatingAddRef() { return ++m_refs; }
 
-HRESULT CFilterOutputPin::DecideBufferSize(IMemAllocator*, ALLOCATOR_PROPERTIES*) {
-  return E_NOTIMPL;
+// Only the last release takes the pin's lock: the others come from neighbours that may hold
+// locks of their own, and taking ours under theirs would invert the order of a connection.
+ULONG CFilterOutputPin::NonDelegatingRelease() {
+  const ULONG left = --m_refs;
+  if (left == 0) {
+    CAutoLock lock(*m_pLock);  // the filter's lock: it outlives the pin
+    delete this;
+  }
+  return left;
+}
+
+HRESULT CFilterOutputPin::CheckConnect(IPin* pin) {
+  if (!m_filter->InputPin().IsConnected()) return VFW_E_NOT_CONNECTED;
+  return CBaseOutputPin::CheckConnect(pin);
+}
+
+HRESULT CFilterOutputPin::CheckMediaType(const CMediaType& type) {
+  HRESULT hr = m_filter->CheckAudioType(type, PINDIR_OUTPUT);
+  if (hr != S_OK || !m_filter->InputPin().IsConnected()) return hr;
+  const WaveFormat input = *m_filter->GetInputFormat();
+  const WaveFormat output = *type.WaveFormatPtr();
+  if (input.nSamplesPerSec != output.nSamplesPerSec) return VFW_E_TYPE_NOT_ACCEPTED;
+  return m_filter->IsValidTransform(input, output);
+}
+
+HRESULT CFilterOutputPin::SetMediaType(const CMediaType& type) {
+  m_filter->SetOutputFormat(*type.WaveFormatPtr());  // checked before it is set
+  return CBaseOutputPin::SetMediaType(type);
+}
+
+HRESULT CFilterOutputPin::GetMediaType(std::int32_t position, CMediaType* type) {
+  if (!type) return E_POINTER;
+  if (!m_filter->InputPin().IsConnected()) return E_UNEXPECTED;
+  if (position != 0) return VFW_S_NO_MORE_ITEMS;
+  WaveFormat format = *m_filter->GetInputFormat();
+  const HRESULT hr = m_filter->SuggestOutputFormat(format);
+  if (FAILED(hr)) return hr;
+  *type = AudioMediaType(format);
+  return S_OK;
+}
+
+HRESULT CFilterOutputPin::EnumMediaTypes(IEnumMediaTypes** types) {
+  if (!types) return E_POINTER;
+  ComPtr<IPin> upstream;
+  if (FAILED(m_filter->InputPin().ConnectedTo(upstream.Receive()))) {
+    *types = nullptr;
+    return VFW_E_NOT_CONNECTED;
+  }
+  return upstream->EnumMediaTypes(types);
+}
+
+HRESULT CFilterOutputPin::DecideBufferSize(IMemAllocator* allocator,
+                                           ALLOCATOR_PROPERTIES* request) {
+  ALLOCATOR_PROPERTIES input{};
+  HRESULT hr = m_filter->InputPin().AllocatorProperties(&input);
+  if (FAILED(hr)) return hr;
+  const WaveFormat* output = CurrentMediaType().WaveFormatPtr();
+  const bool monoToStereo =
+      m_filter->GetInputFormat()->nChannels == 1 && output && output->nChannels == 2;
+  const std::int64_t bytes = std::int64_t{input.cbBuffer} * (monoToStereo ? 2 : 1);
+  if (bytes > kMostBufferBytes) return E_OUTOFMEMORY;
+  request->cBuffers = input.cBuffers;
+  request->cbBuffer = static_cast<std::int32_t>(bytes);
+  ALLOCATOR_PROPERTIES actual{};
+  hr = allocator->SetProperties(request, &actual);
+  if (FAILED(hr)) return hr;
+  return actual.cBuffers < request->cBuffers || actual.cbBuffer < request->cbBuffer ? E_FAIL
+                                                                                    : S_OK;
 }

@@ -57,6 +57,23 @@ struct HostTimeValue {
   static constexpr std::uint32_t kTicks = 3;
 };
 
+// A change of the per-key mixing state, handed to OnNotify, 10 bytes. Kind 0 sets the channel,
+// 1 the mute bits (through `mask`), 2 to 5 the two velocity and the two key offsets; higher
+// kinds carry nothing for this instance.
+struct ChannelStateMessage {
+  std::uint32_t kind;
+  std::int32_t channelKey;
+  std::uint8_t value;
+  std::uint8_t mask;  // kind 1: the mute bits that `value` replaces
+
+  static constexpr std::uint32_t kChannel = 0;
+  static constexpr std::uint32_t kMuteBits = 1;
+  static constexpr std::uint32_t kVelocityOffset1 = 2;
+  static constexpr std::uint32_t kVelocityOffset2 = 3;
+  static constexpr std::uint32_t kKeyOffset1 = 4;
+  static constexpr std::uint32_t kKeyOffset2 = 5;
+};
+
 #pragma pack(pop)
 
 static_assert(sizeof(HostEventRecord) == 40);
@@ -70,6 +87,10 @@ static_assert(offsetof(HostEventRecord, channelKey) == 20);
 static_assert(offsetof(HostEventRecord, sampleTime) == 24);
 static_assert(offsetof(HostEventRecord, flagsLow) == 32);
 static_assert(offsetof(HostEventRecord, flagsHigh) == 36);
+static_assert(sizeof(ChannelStateMessage) == 10);
+static_assert(offsetof(ChannelStateMessage, channelKey) == 4);
+static_assert(offsetof(ChannelStateMessage, value) == 8);
+static_assert(offsetof(ChannelStateMessage, mask) == 9);
 static_assert(sizeof(HostDataRecord) == 8);
 static_assert(offsetof(HostDataRecord, message) == 4);
 static_assert(sizeof(HostTimeValue) == 16);

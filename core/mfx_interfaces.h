@@ -29,11 +29,15 @@ struct IMfxSoftSynth : IUnknown {
   virtual HRESULT STDMETHODCALLTYPE Connect(IUnknown* context) = 0;
   // [host thread] Releases the host's interfaces; the worker is not touched.
   virtual HRESULT STDMETHODCALLTYPE Disconnect() = 0;
-  // [host thread] Transport.
+  // [host thread] Transport. OnStart drops every queued event and starts the stream at `tick`,
+  // with the MIDI clock counting from 0; OnLoop moves later events by the jump from `from` to
+  // `to`; OnStop drops every queued event and leaves the positions. Each answers 0.
   virtual HRESULT STDMETHODCALLTYPE OnStart(std::int32_t tick) = 0;
   virtual HRESULT STDMETHODCALLTYPE OnLoop(std::int32_t from, std::int32_t to) = 0;
   virtual HRESULT STDMETHODCALLTYPE OnStop(std::uint32_t unread) = 0;
-  // [host thread] Timed events; kept and released by sample position, never sent.
+  // [host thread] Timed events of the channel key, converted to stream samples and kept until
+  // the audio reaches them, never sent. E_UNEXPECTED before Connect; the list's first failure
+  // stops it, keeping what came before.
   virtual HRESULT STDMETHODCALLTYPE OnEvents(std::uint32_t unread1, std::uint32_t unread2,
                                              std::int32_t channelKey, IHostEventList* list) = 0;
 };
@@ -56,7 +60,7 @@ struct IMfxSoftSynth2 : IMfxSoftSynth {
 };
 
 struct IMfxNotify : IUnknown {
-  // [host thread] Per-channel mixing state for the sequenced line.
+  // [host thread] A ChannelStateMessage: per-key mixing state for the sequenced line. Always 0.
   virtual HRESULT STDMETHODCALLTYPE OnNotify(const void* message) = 0;
 };
 

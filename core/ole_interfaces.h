@@ -7,33 +7,13 @@
 
 #include "frame/interfaces.h"
 #include "platform/com.h"
+#include "platform/dispatch.h"
 
 #ifdef _WIN32
 #include <ocidl.h>
 #else
 
 struct IStream;
-struct ITypeInfo;
-struct DISPPARAMS;
-struct VARIANT;
-struct EXCEPINFO;
-using DISPID = std::int32_t;
-using LCID = std::uint32_t;
-
-inline constexpr IID IID_IDispatch =
-    MakeGuid(0x00020400, 0x0000, 0x0000, 0xC0, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x46);
-struct IDispatch : IUnknown {
-  virtual HRESULT STDMETHODCALLTYPE GetTypeInfoCount(std::uint32_t* count) = 0;
-  virtual HRESULT STDMETHODCALLTYPE GetTypeInfo(std::uint32_t index, LCID locale,
-                                                ITypeInfo** info) = 0;
-  virtual HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID iid, wchar_t** names,
-                                                  std::uint32_t count, LCID locale,
-                                                  DISPID* ids) = 0;
-  virtual HRESULT STDMETHODCALLTYPE Invoke(DISPID id, REFIID iid, LCID locale,
-                                           std::uint16_t flags, DISPPARAMS* params,
-                                           VARIANT* result, EXCEPINFO* exception,
-                                           std::uint32_t* argumentError) = 0;
-};
 
 // A counted array of identifiers, allocated with CoTaskMemAlloc and freed by the receiver.
 struct CAUUID {

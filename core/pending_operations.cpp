@@ -1,15 +1,6 @@
-// Operations whose behaviour arrives with later subsystems (the host event line,
-// the device store, the saved configuration). Until then they answer E_NOTIMPL.
+// Operations whose behaviour arrives with later subsystems (the device store, the saved
+// configuration). Until then they answer E_NOTIMPL.
 #include "core/soft_synth.h"
-
-HRESULT CSoftSynth::OnStart(std::int32_t) { return E_NOTIMPL; }
-HRESULT CSoftSynth::OnLoop(std::int32_t, std::int32_t) { return E_NOTIMPL; }
-HRESULT CSoftSynth::OnStop(std::uint32_t) { return E_NOTIMPL; }
-HRESULT CSoftSynth::OnEvents(std::uint32_t, std::uint32_t, std::int32_t, IHostEventList*) {
-  return E_NOTIMPL;
-}
-HRESULT CSoftSynth::OnNotify(const void*) { return E_NOTIMPL; }
-
 
 HRESULT CSoftSynth::GetBanks(std::int32_t**, std::int32_t*) { return E_NOTIMPL; }
 HRESULT CSoftSynth::QueryPatchFalse(std::int32_t, std::int32_t) { return E_NOTIMPL; }

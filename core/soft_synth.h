@@ -12,6 +12,7 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -134,6 +135,29 @@ class CSoftSynth : public CDXiSynthContext,
   std::int64_t TicksToSamples(std::int32_t ticks) override;
   std::int32_t SamplesToTicks(std::int64_t samples) override;
 
+  // --- the sequenced line: kept, adjusted and dropped in due time, never sent --------------
+  // [streaming thread or transport, instance lock] Takes every pending event whose sample time
+  // lies in [stream position, stream position + frames) out of the pending list (the others
+  // keep their order), adjusts it by its key's mixing state, and appends it to the voice queue.
+  // Then each note-off in the queue leaves it and closes the oldest open note of its key: one
+  // note per note-off per pass. The processing class's first negative answer, else 0.
+  HRESULT RunEventWindow(std::int32_t frames);
+  // [streaming thread or transport, instance lock] Drops from the voice queue what is not a
+  // note once the stream has passed its time, and the notes that the processing class lets go.
+  // Its first negative answer stops the walk and is the result; else 0.
+  HRESULT FlushVoices(std::int32_t force);
+  // [streaming thread] Posts one MIDI clock when the host's tempo says that at least a clock
+  // interval (ticks per quarter / 24) has passed since the last, at the tick of sample
+  // `position`. A jump backwards restarts the count there. Only with output enabled, MIDI sync
+  // on and a host connected; at most one clock per call.
+  void SendClockIfDue(std::int64_t position);
+
+  // [any thread] Copies taken under the instance lock, for whoever must see the sequenced line:
+  // the pending events in order, the voice queue in order, and the mixing state of a key.
+  std::vector<HostEventRecord> PendingEvents();
+  std::vector<HostEventRecord> Voices();
+  std::optional<ChannelState> ChannelStateOf(std::int32_t channelKey);
+
  protected:
   // The instance lock: the processing class's critical section, set once CFilter is built.
   CCritSec& InstanceLock() noexcept { return *m_dxi; }
@@ -146,6 +170,17 @@ class CSoftSynth : public CDXiSynthContext,
   void EndAllWorkers();
   // The facet handed to the sink as the sender.
   IMfxInputPort* InputPortFacet() noexcept { return this; }
+  // [streaming thread] One segment of `frames` frames from sample `position`, under one hold of
+  // the instance lock: the event window, Process (its answer in `processed`), the stream
+  // position moved on, a flush of the voices. The window's or the flush's failure, else 0.
+  HRESULT RunSegment(std::int64_t position, AudioBuffer* input, AudioBuffer* outputs,
+                     std::int32_t outputCount, std::int32_t frames, HRESULT& processed);
+  // [streaming thread, instance lock] The processing class's Process at the current stream
+  // position, with the voice queue.
+  HRESULT ProcessAt(std::int64_t position, AudioBuffer* input, AudioBuffer* outputs,
+                    std::int32_t outputCount);
+  // [streaming thread, instance lock] Moves the stream position on by `frames`.
+  void AdvanceStream(std::int32_t frames) noexcept { m_streamSample += frames; }
 
   // The processing part of the same object; set by CFilter once its bases stand.
   CExternalHardwareProxyDXi* m_dxi = nullptr;
@@ -161,6 +196,15 @@ class CSoftSynth : public CDXiSynthContext,
                          MidiPortHandle handle);
   void CountAndShowOutput(std::uint32_t level);
   std::shared_ptr<const std::vector<std::uint8_t>> SysexPrefixSnapshot() const;
+  // [instance lock] RunEventWindow and FlushVoices with the lock already held.
+  HRESULT WindowPass(std::int32_t frames);
+  HRESULT FlushPass(std::int32_t force);
+  // [instance lock] Adjusts the copy of a taken event by its key's `state` and queues it; the
+  // processing class's negative answer ends the window pass.
+  HRESULT TakeIntoVoices(HostEventRecord event, ChannelState& state);
+  void CloseOpenNotes();
+  // [instance lock] What OnStart and OnStop share: flush by force and empty both queues.
+  void DropSequencedEvents();
   void ReplaceSysexPrefix(std::vector<std::uint8_t> bytes);
 
   WorkerBlock m_worker;

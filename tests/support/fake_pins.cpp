@@ -1,5 +1,6 @@
 #include "tests/support/fake_pins.h"
 
+#include <atomic>
 #include <chrono>
 #include <cstring>
 #include <memory>
@@ -39,7 +40,15 @@ class FakeSource::SourcePin final : public CBaseOutputPin {
   SourcePin(CBaseFilter* filter, CCritSec* lock, const CMediaType& type, Options options)
       : CBaseOutputPin(L"Fake source pin", filter, lock, nullptr, L"Out"),
         m_type(type),
-        m_options(options) {}
+        m_options(options),
+        m_seeking(*GetOwner()) {}
+
+  HRESULT STDMETHODCALLTYPE NonDelegatingQueryInterface(REFIID iid, void** object) override {
+    if (object && m_options.offersSeeking && iid == IID_IMediaSeeking)
+      return GetInterface(&m_seeking, object);
+    return CBaseOutputPin::NonDelegatingQueryInterface(iid, object);
+  }
+  FakeSeeking& Seeking() { return m_seeking; }
 
   HRESULT CheckMediaType(const CMediaType& type) override {
     return type == m_type ? S_OK : VFW_E_TYPE_NOT_ACCEPTED;
@@ -72,6 +81,7 @@ class FakeSource::SourcePin final : public CBaseOutputPin {
  private:
   const CMediaType m_type;
   const Options m_options;
+  FakeSeeking m_seeking;
 };
 
 class FakeSource::SourceFilter final : public CBaseFilter {
@@ -109,6 +119,12 @@ HRESULT FakeSource::Stop() { return m_impl->Stop(); }
 
 HRESULT FakeSource::Push(std::span<const std::uint8_t> bytes, const SampleMarks& marks) {
   ComPtr<IMediaSample> sample;
+  const HRESULT hr = Prepare(bytes, marks, sample);
+  return FAILED(hr) ? hr : m_impl->Pin().Deliver(sample.Get());
+}
+
+HRESULT FakeSource::Prepare(std::span<const std::uint8_t> bytes, const SampleMarks& marks,
+                            ComPtr<IMediaSample>& sample) {
   HRESULT hr = m_impl->Pin().GetDeliveryBuffer(sample.Receive(), nullptr, nullptr, 0);
   if (FAILED(hr)) return hr;
   if (bytes.size() > static_cast<std::size_t>(sample->GetSize())) return VFW_E_BUFFER_OVERFLOW;
@@ -124,7 +140,7 @@ HRESULT FakeSource::Push(std::span<const std::uint8_t> bytes, const SampleMarks&
   ComPtr<ISampleSilence> silence;
   if (marks.silent && SUCCEEDED(silence.QueryFrom(sample.Get(), IID_ISampleSilence)))
     silence->SetSilent(1);
-  return m_impl->Pin().Deliver(sample.Get());
+  return S_OK;
 }
 
 HRESULT FakeSource::PushFloats(std::span<const float> values, const SampleMarks& marks) {
@@ -142,6 +158,7 @@ HRESULT FakeSource::NewSegment(REFERENCE_TIME start, REFERENCE_TIME stop, double
 IPin* FakeSource::Output() const noexcept { return &m_impl->Pin(); }
 IBaseFilter* FakeSource::Filter() const noexcept { return m_filter.Get(); }
 IMemAllocator* FakeSource::Allocator() const noexcept { return m_impl->Pin().Allocator(); }
+FakeSeeking& FakeSource::Seeking() const noexcept { return m_impl->Pin().Seeking(); }
 
 // ---- sink ----
 
@@ -162,6 +179,13 @@ class FakeSink::SinkPin final : public CBaseInputPin {
     *type = m_options.preferred[static_cast<std::size_t>(position)];
     return S_OK;
   }
+  HRESULT STDMETHODCALLTYPE GetAllocator(IMemAllocator** allocator) override {
+    if (!allocator) return E_POINTER;
+    CAutoLock lock(*m_pLock);
+    if (!m_pAllocator) m_pAllocator = CMemAllocator::Create(m_options.samplesOfferSilence);
+    *allocator = ComPtr<IMemAllocator>(m_pAllocator).Detach();
+    return S_OK;
+  }
   HRESULT STDMETHODCALLTYPE GetAllocatorRequirements(ALLOCATOR_PROPERTIES* properties) override {
     if (!m_options.requirements) return E_NOTIMPL;
     *properties = *m_options.requirements;
@@ -171,6 +195,10 @@ class FakeSink::SinkPin final : public CBaseInputPin {
   HRESULT STDMETHODCALLTYPE Receive(IMediaSample* sample) override {
     const HRESULT hr = CBaseInputPin::Receive(sample);
     if (hr != S_OK) return hr;
+    if (!m_options.recordSamples) {
+      m_log.counted.fetch_add(1, std::memory_order_relaxed);
+      return S_OK;
+    }
     Record(sample);
     std::lock_guard lock(m_log.mutex);
     return m_log.receiveResult;
@@ -198,6 +226,7 @@ class FakeSink::SinkPin final : public CBaseInputPin {
     mutable std::condition_variable arrived;
     HRESULT receiveResult = S_OK;
     std::vector<ReceivedSample> samples;
+    std::atomic<std::int64_t> counted{0};  // samples taken without recording
     std::vector<ReceivedSegment> segments;
     std::int32_t endOfStreams = 0;
     std::int32_t beginFlushes = 0;
@@ -279,6 +308,12 @@ std::vector<ReceivedSample> FakeSink::Samples() const {
   auto& log = m_impl->Pin().Seen();
   std::lock_guard lock(log.mutex);
   return log.samples;
+}
+
+std::int64_t FakeSink::SampleCount() const {
+  auto& log = m_impl->Pin().Seen();
+  std::lock_guard lock(log.mutex);
+  return log.counted.load() + static_cast<std::int64_t>(log.samples.size());
 }
 
 std::vector<ReceivedSegment> FakeSink::Segments() const {

@@ -14,6 +14,7 @@
 
 #include "frame/interfaces.h"
 #include "frame/media_type.h"
+#include "frame/seeking_interfaces.h"
 #include "platform/com_ptr.h"
 
 // A wave format record with consistent block align and byte rate.
@@ -31,12 +32,65 @@ struct SampleMarks {
   std::optional<CMediaType> type{};  // a type change carried by the sample
 };
 
+// The seeking face of a seekable source: a fixed duration, and a record of the rates set. All
+// else answers E_NOTIMPL.
+class FakeSeeking final : public IMediaSeeking {
+ public:
+  explicit FakeSeeking(IUnknown& owner) : m_owner(owner) {}
+  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {
+    return m_owner.QueryInterface(iid, object);
+  }
+  ULONG STDMETHODCALLTYPE AddRef() override { return m_owner.AddRef(); }
+  ULONG STDMETHODCALLTYPE Release() override { return m_owner.Release(); }
+  HRESULT STDMETHODCALLTYPE GetCapabilities(std::uint32_t*) override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE CheckCapabilities(std::uint32_t*) override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE IsFormatSupported(const GUID*) override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE QueryPreferredFormat(GUID*) override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE GetTimeFormat(GUID*) override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE IsUsingTimeFormat(const GUID*) override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE SetTimeFormat(const GUID*) override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE GetDuration(std::int64_t* duration) override {
+    *duration = kDuration;
+    return S_OK;
+  }
+  HRESULT STDMETHODCALLTYPE GetStopPosition(std::int64_t*) override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE GetCurrentPosition(std::int64_t*) override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE ConvertTimeFormat(std::int64_t*, const GUID*, std::int64_t,
+                                              const GUID*) override {
+    return E_NOTIMPL;
+  }
+  HRESULT STDMETHODCALLTYPE SetPositions(std::int64_t*, std::uint32_t, std::int64_t*,
+                                         std::uint32_t) override {
+    return E_NOTIMPL;
+  }
+  HRESULT STDMETHODCALLTYPE GetPositions(std::int64_t*, std::int64_t*) override {
+    return E_NOTIMPL;
+  }
+  HRESULT STDMETHODCALLTYPE GetAvailable(std::int64_t*, std::int64_t*) override {
+    return E_NOTIMPL;
+  }
+  HRESULT STDMETHODCALLTYPE SetRate(double rate) override {
+    rates.push_back(rate);
+    return S_OK;
+  }
+  HRESULT STDMETHODCALLTYPE GetRate(double*) override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE GetPreroll(std::int64_t*) override { return E_NOTIMPL; }
+
+  static constexpr std::int64_t kDuration = 123'456'789;
+  std::vector<double> rates;
+
+ private:
+  IUnknown& m_owner;
+};
+
 class FakeSource {
  public:
   struct Options {
     bool samplesOfferSilence = false;
     std::int32_t buffers = 4;
     std::int32_t bufferBytes = 4096;
+    // The output pin answers IMediaSeeking (see FakeSeeking) as a seekable source does.
+    bool offersSeeking = false;
   };
 
   // The output pin offers and accepts exactly AudioMediaType(format), and always lends samples
@@ -60,6 +114,10 @@ class FakeSource {
   // [streaming thread] Pushes one sample holding `bytes` with `marks`: the downstream Receive's
   // answer, or why no buffer could be had (VFW_E_BUFFER_OVERFLOW for too many bytes).
   HRESULT Push(std::span<const std::uint8_t> bytes, const SampleMarks& marks = {});
+  // [streaming thread] A sample filled as Push fills it, kept instead of delivered, so that one
+  // sample can be handed to a pin again and again.
+  HRESULT Prepare(std::span<const std::uint8_t> bytes, const SampleMarks& marks,
+                  ComPtr<IMediaSample>& sample);
   HRESULT PushFloats(std::span<const float> values, const SampleMarks& marks = {});
   // [streaming thread] The downstream pin's answers.
   HRESULT EndOfStream();
@@ -72,6 +130,8 @@ class FakeSource {
   // The allocator it lends from once connected, else null.
   IMemAllocator* Allocator() const noexcept;
   const CMediaType& Type() const noexcept { return m_type; }
+  // What the output pin's IMediaSeeking was asked, when it offers one.
+  FakeSeeking& Seeking() const noexcept;
 
  private:
   class SourceFilter;
@@ -111,6 +171,10 @@ class FakeSink {
     std::vector<CMediaType> preferred{};
     // What GetAllocatorRequirements answers; empty means E_NOTIMPL.
     std::optional<ALLOCATOR_PROPERTIES> requirements{};
+    // The samples of the pin's own allocator answer ISampleSilence.
+    bool samplesOfferSilence = false;
+    // Without it the pin only counts samples (SampleCount), touching no heap: for benchmarks.
+    bool recordSamples = true;
   };
 
   FakeSink();
@@ -134,6 +198,7 @@ class FakeSink {
 
   // [any thread] What reached the input pin, in order.
   std::vector<ReceivedSample> Samples() const;
+  std::int64_t SampleCount() const;
   std::vector<ReceivedSegment> Segments() const;
   std::int32_t EndOfStreams() const;
   std::int32_t BeginFlushes() const;

@@ -7,6 +7,7 @@
 #include "core/filter.h"
 #include "platform/com_ptr.h"
 #include "tests/support/fake_host.h"
+#include "tests/support/fake_pins.h"
 #include "tests/support/recorders.h"
 
 // Owns one instance; releasing the last reference destroys it.
@@ -28,22 +29,49 @@ class TestInstance {
   HRESULT m_constructed = S_OK;
 };
 
-// An instance connected to a fake host, with its output enabled on the host's first port and
-// activity going to a recorder. The host's objects outlive the instance.
+// An instance connected to a fake host that observes pin changes, with its output enabled on
+// the host's first port and activity going to a recorder. The host's objects outlive the instance.
 struct ConnectedRig {
   FakeTempoMap tempoMap;
+  FakeTimeConverter timeConverter{kSamplesPerTick};
+  FakePinObserver pinObserver;
   FakeMidiPorts ports;
   FakeInputSink sink;
   FakeHostContext context;
   NotifyRecorder window;
   TestInstance instance;
 
-  // `withPorts` false connects to a host that offers no ports at all.
-  explicit ConnectedRig(bool withPorts = true);
+  // With the time converter, a tick is exactly this many samples.
+  static constexpr std::int64_t kSamplesPerTick = 100;
+
+  // `withPorts` false connects to a host that offers no ports at all; `withTimeConverter` to one
+  // that converts time itself, at kSamplesPerTick, rather than through its tempo map.
+  explicit ConnectedRig(bool withPorts = true, bool withTimeConverter = false);
   // Chooses the host's first output port, "Out A", and enables output.
   void EnableOutput();
   // Pause from stopped: the worker starts.
   void Start() { instance->Pause(); }
   void Stop() { instance->Stop(); }
   void UseSink() { instance->SetInputSink(&sink); }
+};
+
+// A connected instance in an audio graph: a source pushing `format` into the input pin, and the
+// first output pin connected to a sink. Pause and Stop drive all three filters.
+struct AudioRig {
+  ConnectedRig host;
+  FakeSource source;
+  FakeSink sink;
+
+  AudioRig(const WaveFormat& format, FakeSource::Options sourceOptions = {},
+           FakeSink::Options sinkOptions = {}, bool withTimeConverter = false);
+  ~AudioRig();
+  AudioRig(const AudioRig&) = delete;
+  AudioRig& operator=(const AudioRig&) = delete;
+
+  // The source into the input, then the first output into the sink; the first failure.
+  HRESULT Connect();
+  IPin* Input() { return host.instance->GetPin(0); }
+  IPin* Output() { return host.instance->GetPin(1); }
+  void Pause();
+  void Stop();
 };
