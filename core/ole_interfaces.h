@@ -19,6 +19,11 @@ struct VARIANT;
 struct EXCEPINFO;
 using DISPID = std::int32_t;
 using LCID = std::uint32_t;
+// An unsigned 64-bit size; on Windows a union whose QuadPart is the whole value.
+struct ULARGE_INTEGER {
+  std::uint64_t QuadPart;
+};
+static_assert(sizeof(ULARGE_INTEGER) == 8);
 
 inline constexpr IID IID_IDispatch =
     MakeGuid(0x00020400, 0x0000, 0x0000, 0xC0, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x46);
@@ -53,7 +58,7 @@ struct IPersistStream : IPersist {
   virtual HRESULT STDMETHODCALLTYPE IsDirty() = 0;
   virtual HRESULT STDMETHODCALLTYPE Load(IStream* stream) = 0;
   virtual HRESULT STDMETHODCALLTYPE Save(IStream* stream, std::int32_t clearDirty) = 0;
-  virtual HRESULT STDMETHODCALLTYPE GetSizeMax(std::uint64_t* size) = 0;
+  virtual HRESULT STDMETHODCALLTYPE GetSizeMax(ULARGE_INTEGER* size) = 0;
 };
 
 #endif  // _WIN32
