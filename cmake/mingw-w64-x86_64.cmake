@@ -19,5 +19,6 @@ set(CMAKE_EXE_LINKER_FLAGS_INIT "-static -static-libgcc -static-libstdc++")
 set(CMAKE_SHARED_LINKER_FLAGS_INIT "-static -static-libgcc -static-libstdc++")
 set(CMAKE_MODULE_LINKER_FLAGS_INIT "-static -static-libgcc -static-libstdc++")
 
-find_program(TARN_WINE NAMES wine wine64 REQUIRED)
+# The 64-bit loader itself: Debian's `wine` wrapper would print a hint about 32-bit Wine each run.
+find_program(TARN_WINE NAMES wine64 wine HINTS /usr/lib/wine REQUIRED)
 set(CMAKE_CROSSCOMPILING_EMULATOR ${TARN_WINE})
