@@ -12,7 +12,8 @@ inline constexpr std::uint32_t kUtf8CodePage = 65001;
 // (1252 in Western Europe and the Americas) on Windows.
 std::uint32_t NarrowCodePage();
 
-// Bytes that do not decode become U+FFFD; nothing is dropped silently.
+// Bytes that do not decode become a replacement character (U+FFFD in UTF-8); nothing is
+// dropped silently.
 std::wstring NarrowToWide(std::string_view narrow);
 // Characters that the code page cannot hold become '?', one for each; never a look-alike.
 std::string WideToNarrow(std::wstring_view wide);
