@@ -3,6 +3,7 @@
 # prefix of its own under the build folder. Needs no display.
 set -euo pipefail
 cd "$(dirname "$0")/.."
+bash scripts/setup.sh
 bash scripts/setup-windows.sh
 
 cmake --preset windows >/dev/null
