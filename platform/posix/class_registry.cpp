@@ -112,8 +112,10 @@ bool WriteValues(const fs::path& folder, const ValueMap& values) {
 
 bool CreateRegistryKey(std::wstring_view key, std::span<const RegistryValue> values) {
   const fs::path folder = KeyFolder(key);
+  if (folder.empty()) return false;
   std::error_code error;
-  if (folder.empty() || (fs::create_directories(folder, error), error)) return false;
+  fs::create_directories(folder, error);
+  if (error) return false;
   if (values.empty()) return true;
   ValueMap stored = ReadValues(folder);
   for (const RegistryValue& value : values) stored[Escape(value.name)] = Escape(value.data);
