@@ -117,7 +117,7 @@ class CFilter final : public CSoftSynth,
   HRESULT STDMETHODCALLTYPE IsDirty() override { return E_NOTIMPL; }
   HRESULT STDMETHODCALLTYPE Load(IStream*) override { return E_NOTIMPL; }
   HRESULT STDMETHODCALLTYPE Save(IStream*, std::int32_t) override { return E_NOTIMPL; }
-  HRESULT STDMETHODCALLTYPE GetSizeMax(std::uint64_t*) override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE GetSizeMax(ULARGE_INTEGER*) override { return E_NOTIMPL; }
 
  private:
   CFilter(IUnknown* outer, HRESULT* phr);

@@ -52,7 +52,7 @@ struct IMyFilter : IUnknown {
   // [any thread] Queues a copy for the worker; the post's result.
   virtual HRESULT STDMETHODCALLTYPE SendEvent(const CStoredEvent* event) = 0;
   // Neither the pointer nor the index is tested.
-  virtual HRESULT STDMETHODCALLTYPE GetSysexPrefixByte(std::uint8_t* byte, std::int32_t index) = 0;
+  virtual HRESULT STDMETHODCALLTYPE GetSysexPrefixByte(std::uint8_t* value, std::int32_t index) = 0;
   virtual HRESULT STDMETHODCALLTYPE GetSysexPrefixLength(std::uint32_t* length) = 0;
   virtual HRESULT STDMETHODCALLTYPE AssignSysexPrefix(std::vector<std::uint8_t> bytes) = 0;
   // `bytes` may lie inside the old prefix.

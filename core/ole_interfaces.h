@@ -14,6 +14,11 @@
 #else
 
 struct IStream;
+// An unsigned 64-bit size; on Windows a union whose QuadPart is the whole value.
+struct ULARGE_INTEGER {
+  std::uint64_t QuadPart;
+};
+static_assert(sizeof(ULARGE_INTEGER) == 8);
 
 // A counted array of identifiers, allocated with CoTaskMemAlloc and freed by the receiver.
 struct CAUUID {
@@ -33,7 +38,7 @@ struct IPersistStream : IPersist {
   virtual HRESULT STDMETHODCALLTYPE IsDirty() = 0;
   virtual HRESULT STDMETHODCALLTYPE Load(IStream* stream) = 0;
   virtual HRESULT STDMETHODCALLTYPE Save(IStream* stream, std::int32_t clearDirty) = 0;
-  virtual HRESULT STDMETHODCALLTYPE GetSizeMax(std::uint64_t* size) = 0;
+  virtual HRESULT STDMETHODCALLTYPE GetSizeMax(ULARGE_INTEGER* size) = 0;
 };
 
 #endif  // _WIN32

@@ -203,11 +203,11 @@ HRESULT CSoftSynth::SendEvent(const CStoredEvent* event) {
 
 // Callers are trusted with the index, but a bad one answers E_INVALIDARG instead of reading
 // past the prefix.
-HRESULT CSoftSynth::GetSysexPrefixByte(std::uint8_t* byte, std::int32_t index) {
-  if (!byte) return E_POINTER;
+HRESULT CSoftSynth::GetSysexPrefixByte(std::uint8_t* value, std::int32_t index) {
+  if (!value) return E_POINTER;
   const auto prefix = SysexPrefixSnapshot();
   if (!prefix || index < 0 || static_cast<std::size_t>(index) >= prefix->size()) return E_INVALIDARG;
-  *byte = (*prefix)[static_cast<std::size_t>(index)];
+  *value = (*prefix)[static_cast<std::size_t>(index)];
   return S_OK;
 }
 

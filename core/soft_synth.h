@@ -107,7 +107,7 @@ class CSoftSynth : public CDXiSynthContext,
   HRESULT STDMETHODCALLTYPE RemoveEvent(std::uint32_t index) override;
   HRESULT STDMETHODCALLTYPE GetInstrumentObject(CInstrument** instrument) override;
   HRESULT STDMETHODCALLTYPE SendEvent(const CStoredEvent* event) override;
-  HRESULT STDMETHODCALLTYPE GetSysexPrefixByte(std::uint8_t* byte, std::int32_t index) override;
+  HRESULT STDMETHODCALLTYPE GetSysexPrefixByte(std::uint8_t* value, std::int32_t index) override;
   HRESULT STDMETHODCALLTYPE GetSysexPrefixLength(std::uint32_t* length) override;
   HRESULT STDMETHODCALLTYPE AssignSysexPrefix(std::vector<std::uint8_t> bytes) override;
   HRESULT STDMETHODCALLTYPE SetSysexPrefix(const std::uint8_t* bytes, std::uint32_t count) override;

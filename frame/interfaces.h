@@ -78,8 +78,10 @@ struct FILTER_INFO {
 };
 
 // Identifiers (the platform's well-known ones).
+#ifndef _WIN32  // there the system's component headers declare IPersist
 inline constexpr IID IID_IPersist =
     MakeGuid(0x0000010C, 0x0000, 0x0000, 0xC0, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x46);
+#endif
 inline constexpr IID IID_IPin =
     MakeGuid(0x56A86891, 0x0AD4, 0x11CE, 0xB0, 0x3A, 0x00, 0x20, 0xAF, 0x0B, 0xA7, 0x70);
 inline constexpr IID IID_IEnumPins =
@@ -313,6 +315,7 @@ struct IReferenceClock : IUnknown {
   ~IReferenceClock() = default;
 };
 
+#ifndef _WIN32
 struct IPersist : IUnknown {
   // [any thread] The class identifier of the object.
   virtual HRESULT STDMETHODCALLTYPE GetClassID(CLSID* classId) = 0;
@@ -320,6 +323,7 @@ struct IPersist : IUnknown {
  protected:
   ~IPersist() = default;
 };
+#endif
 
 // The state machine of a filter: stopped, paused (ready, holding data), running.
 struct IMediaFilter : IPersist {

@@ -9,6 +9,13 @@
 #include <string_view>
 
 #ifdef _WIN32
+// Only the component model from the system headers: no min/max macros, no rarely used APIs.
+#ifndef WIN32_LEAN_AND_MEAN
+#define WIN32_LEAN_AND_MEAN
+#endif
+#ifndef NOMINMAX
+#define NOMINMAX
+#endif
 #include <objbase.h>
 #include <unknwn.h>
 #else

@@ -20,5 +20,8 @@ class CMessageBoxPresenter {
 
 // [any thread] Shows a box through the current presenter.
 int ShowMessageBox(const std::wstring& text, const std::wstring& caption, unsigned flags);
-// [any thread] Replaces the presenter; null restores the default. Returns the previous one.
+// The system's own presenter, the default: MessageBoxW on Windows, standard error elsewhere.
+CMessageBoxPresenter& SystemMessageBoxPresenter();
+// [any thread] Replaces the presenter; null restores the default. Returns the previous one, or
+// null when that was the default.
 CMessageBoxPresenter* SetMessageBoxPresenter(CMessageBoxPresenter* presenter);

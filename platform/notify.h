@@ -1,6 +1,11 @@
-// Notify targets: the portable stand-in for a window that receives posted messages. A target is
+// Notify targets: a window that receives posted messages, or its portable stand-in. A target is
 // known to posters only by its handle; posting to a handle whose target has gone does nothing and
 // says so, as posting to a destroyed window does. So a worker may hold a stale handle safely.
+//
+// On Windows a handle is a message-only window (HWND) owned by the thread that registered the
+// target: posts wait in that thread's message queue and reach the target when the thread pumps
+// it, and that thread must unregister. Elsewhere a post reaches the target at once, on the
+// poster's thread. Post numbers from WM_USER (0x400) up: those below belong to the system.
 #pragma once
 
 #include <cstdint>
@@ -12,16 +17,20 @@ using MessageId = std::uint32_t;
 
 class CNotifyTarget {
  public:
-  // [any thread] Takes a posted message. Must not block: queue it for the owner's thread.
+  // [poster's thread; the owner's on Windows] Takes a posted message. Must not block: queue it
+  // for the owner's thread.
   virtual void OnPosted(MessageId message, WPARAM_T wParam, LPARAM_T lParam) = 0;
 
  protected:
   ~CNotifyTarget() = default;
 };
 
-// [any thread] Makes `target` reachable through the returned handle, never 0.
+// [owner thread] Makes `target` reachable through the returned handle; 0 if the system refuses.
 NotifyHandle RegisterNotifyTarget(CNotifyTarget& target);
-// [any thread] Makes the handle dead. When this returns, no post to it is running or will run.
+// [owner thread] Makes the handle dead. When this returns, no post to it is running or will run.
 void UnregisterNotifyTarget(NotifyHandle handle);
 // [any thread] Hands the message to the target; false when the handle is 0 or dead.
 bool PostNotify(NotifyHandle handle, MessageId message, WPARAM_T wParam, LPARAM_T lParam);
+// [owner thread] Hands the posts waiting for the calling thread's targets to them, as a message
+// loop would; returns at once when none wait. Does nothing where posts arrive at once.
+void DeliverQueuedNotifications();

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Builds and runs every test: the suite in the default build, under AddressSanitizer with
-# UndefinedBehaviorSanitizer, and under ThreadSanitizer; then each fuzz target for a bounded time.
+# UndefinedBehaviorSanitizer, under ThreadSanitizer, and cross-built for Windows under Wine; then
+# each fuzz target for a bounded time.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 bash scripts/setup.sh
@@ -12,6 +13,9 @@ for preset in default asan tsan; do
   cmake --build --preset "$preset" -j "$jobs"
   ctest --preset "$preset" -j "$jobs"
 done
+
+echo "== windows"
+bash scripts/test-windows.sh
 
 if [ -d fuzz ]; then
   echo "== fuzz"

@@ -77,3 +77,5 @@ std::string WideToNarrow(std::wstring_view wide) {
   for (const wchar_t c : wide) EncodeOne(static_cast<char32_t>(c), narrow);
   return narrow;
 }
+
+std::uint32_t NarrowCodePage() { return kUtf8CodePage; }

@@ -1,5 +1,6 @@
 // What reaches the port and the sink, in which order, and what is counted and shown.
 #include <chrono>
+#include <initializer_list>
 #include <thread>
 
 #include <gtest/gtest.h>
@@ -26,6 +27,19 @@ CStoredEvent Wait(std::uint32_t ms) {
 
 CStoredEvent Message(std::uint8_t status, std::uint8_t d1, std::uint8_t d2) {
   return CStoredEvent::FromMessage(ShortMessage::FromBytes(status, d1, d2));
+}
+
+// Posts `events` so that the worker takes them as one batch, and returns once it has taken it
+// (the sink and the port are then chosen). Meanwhile the worker is held in a batch of its own,
+// so a busy machine cannot split them.
+void PostAsOneBatch(ConnectedRig& rig, std::initializer_list<CStoredEvent> events) {
+  const std::size_t batches = rig.ports.HandleQueries();
+  rig.ports.HoldHandleQueries(true);
+  rig.instance->PostToWorker(Wait(0));
+  const bool held = rig.ports.WaitForHandleQueries(batches + 1, 2000);
+  for (const CStoredEvent& event : events) rig.instance->PostToWorker(event);
+  rig.ports.HoldHandleQueries(false);
+  ASSERT_TRUE(held && rig.ports.WaitForHandleQueries(batches + 2, 2000)) << "never taken";
 }
 
 std::uint32_t Packed(std::uint8_t status, std::uint8_t d1, std::uint8_t d2) {
@@ -165,9 +179,7 @@ TEST(WorkerTargets, WithNeitherSinkNorPortABatchIsDroppedPausesIncluded) {
   ConnectedRig rig;
   rig.Start();  // output stays disabled and there is no sink
   const auto t0 = std::chrono::steady_clock::now();
-  rig.instance->PostToWorker(Wait(2000));
-  rig.instance->PostToWorker(Message(0x90, 1, 1));
-  std::this_thread::sleep_for(50ms);
+  PostAsOneBatch(rig, {Wait(2000), Message(0x90, 1, 1)});
   rig.UseSink();
   rig.instance->PostToWorker(Message(0x80, 1, 0));
   ASSERT_TRUE(rig.sink.WaitForRecords(1, 5000));
@@ -210,10 +222,11 @@ TEST(WorkerCounting, FollowsTheLastAnswerOfEachMessage) {
     rig.sink.Fail(c.sinkFails);
     rig.ports.FailShortSends(c.portFails);
     rig.Start();
+    const std::size_t batches = rig.ports.HandleQueries();
     rig.instance->PostToWorker(Message(0x90, 1, 1));
     ASSERT_TRUE(rig.sink.WaitForRecords(1, 2000));
     rig.instance->PostToWorker(Wait(1));  // the next batch starts only after this one
-    std::this_thread::sleep_for(50ms);
+    ASSERT_TRUE(rig.ports.WaitForHandleQueries(batches + 2, 2000));
     std::uint32_t in = 0, out = 0;
     rig.instance->GetEventCounters(&in, &out, 1);
     EXPECT_EQ(out, c.counted) << c.port << c.sinkFails << c.portFails;
@@ -244,11 +257,8 @@ TEST(WorkerLife, StopReturnsAtOnceAndTheSleeperFinishesItsBatch) {
   ConnectedRig rig;
   rig.EnableOutput();
   rig.Start();
-  // While the worker sleeps in the first pause, the next two queue up as one batch.
-  rig.instance->PostToWorker(Wait(200));
-  rig.instance->PostToWorker(Wait(1500));
-  rig.instance->PostToWorker(Message(0x90, 2, 2));
-  std::this_thread::sleep_for(400ms);  // now asleep in the long pause of the second batch
+  PostAsOneBatch(rig, {Wait(1500), Message(0x90, 2, 2)});
+  std::this_thread::sleep_for(20ms);  // the worker is asleep in the pause
   const auto t0 = std::chrono::steady_clock::now();
   rig.Stop();
   EXPECT_LT(std::chrono::steady_clock::now() - t0, 750ms);

@@ -109,7 +109,10 @@ HRESULT FakeMidiPorts::GetOutputPortName(std::int32_t index, wchar_t* name, std:
 }
 
 HRESULT FakeMidiPorts::GetOutputPortHandle(std::int32_t index, MidiPortHandle* handle) {
-  std::lock_guard lock(m_mutex);
+  std::unique_lock lock(m_mutex);
+  ++m_handleQueries;
+  m_cv.notify_all();
+  m_cv.wait_for(lock, std::chrono::seconds(2), [&] { return !m_holdQueries; });
   if (!handle) return E_POINTER;
   if (index < 0 || static_cast<std::size_t>(index) >= m_handles.size()) {
     *handle = 0;
@@ -199,6 +202,25 @@ std::vector<FakeMidiPorts::Sent> FakeMidiPorts::Sends() const {
 std::size_t FakeMidiPorts::SendCount() const {
   std::lock_guard lock(m_mutex);
   return m_sendCount;
+}
+
+void FakeMidiPorts::HoldHandleQueries(bool hold) {
+  {
+    std::lock_guard lock(m_mutex);
+    m_holdQueries = hold;
+  }
+  m_cv.notify_all();
+}
+
+std::size_t FakeMidiPorts::HandleQueries() const {
+  std::lock_guard lock(m_mutex);
+  return m_handleQueries;
+}
+
+bool FakeMidiPorts::WaitForHandleQueries(std::size_t count, int timeoutMs) const {
+  std::unique_lock lock(m_mutex);
+  return m_cv.wait_for(lock, std::chrono::milliseconds(timeoutMs),
+                       [&] { return m_handleQueries >= count; });
 }
 
 bool FakeMidiPorts::WaitForSends(std::size_t count, int timeoutMs) const {

@@ -107,6 +107,9 @@ class FakeMidiPorts final : public IHostMidiPorts2, public FakeRefCount<FakeMidi
   void FailSysexSends(bool fail) { m_failSysex = fail; }
   // Hands each short send to `hook` alone, recording nothing: benchmarks measure the instance,
   // not this fake's lock and allocation. Null goes back to recording.
+  // While held, a handle query waits (2 s at most) for the release: the worker stays in the
+  // batch it took, and what is posted meanwhile queues up for one later batch.
+  void HoldHandleQueries(bool hold);
   void SetShortSendHook(void (*hook)(void* context, std::uint32_t message), void* context);
 
   // --- what happened ---
@@ -114,6 +117,11 @@ class FakeMidiPorts final : public IHostMidiPorts2, public FakeRefCount<FakeMidi
   std::size_t SendCount() const;
   // Waits until at least `count` sends arrived; false after `timeoutMs`.
   bool WaitForSends(std::size_t count, int timeoutMs) const;
+  // How often the output handle was asked for. The worker asks once per batch, after taking it
+  // from the queue: a test knows a batch is in hand without guessing how long that takes.
+  std::size_t HandleQueries() const;
+  // Waits until the handle was asked for at least `count` times; false after `timeoutMs`.
+  bool WaitForHandleQueries(std::size_t count, int timeoutMs) const;
   std::vector<std::int32_t> UsedInputIds() const;
   std::vector<std::int32_t> UsedOutputIds() const;
   // Input and output ids are 100 + index and 200 + index.
@@ -132,6 +140,8 @@ class FakeMidiPorts final : public IHostMidiPorts2, public FakeRefCount<FakeMidi
   std::vector<MidiPortHandle> m_handles{1};
   std::vector<Sent> m_sent;
   std::size_t m_sendCount = 0;
+  std::size_t m_handleQueries = 0;
+  bool m_holdQueries = false;
   std::vector<std::int32_t> m_usedInputs, m_usedOutputs;
   bool m_offerVersion2 = true;
   bool m_failShort = false;

@@ -1,5 +1,6 @@
 #include "tests/support/recorders.h"
 
+#include <algorithm>
 #include <chrono>
 
 MessageBoxRecorder::MessageBoxRecorder() : m_previous(SetMessageBoxPresenter(this)) {}
@@ -29,6 +30,7 @@ void NotifyRecorder::OnPosted(MessageId message, WPARAM_T wParam, LPARAM_T lPara
 }
 
 std::vector<NotifyRecorder::Posted> NotifyRecorder::Messages() const {
+  DeliverQueuedNotifications();
   std::lock_guard lock(m_mutex);
   return m_posted;
 }
@@ -40,8 +42,18 @@ std::vector<NotifyRecorder::Posted> NotifyRecorder::Messages(MessageId message) 
   return out;
 }
 
+// Where posts queue for this thread (Windows) nothing wakes the wait below but the pump, so it
+// looks again every few milliseconds; elsewhere a post wakes it at once.
 bool NotifyRecorder::WaitForCount(std::size_t count, int timeoutMs) const {
-  std::unique_lock lock(m_mutex);
-  return m_cv.wait_for(lock, std::chrono::milliseconds(timeoutMs),
-                       [&] { return m_posted.size() >= count; });
+  using Clock = std::chrono::steady_clock;
+  constexpr auto kPumpInterval = std::chrono::milliseconds(2);
+  const auto deadline = Clock::now() + std::chrono::milliseconds(timeoutMs);
+  for (;;) {
+    DeliverQueuedNotifications();
+    std::unique_lock lock(m_mutex);
+    if (m_posted.size() >= count) return true;
+    const auto now = Clock::now();
+    if (now >= deadline) return false;
+    m_cv.wait_until(lock, std::min(deadline, now + kPumpInterval));
+  }
 }

@@ -34,7 +34,8 @@ class MessageBoxRecorder final : public CMessageBoxPresenter {
   CMessageBoxPresenter* m_previous;
 };
 
-// A registered notify target that records what is posted to it.
+// A registered notify target that records what is posted to it. Use it on the thread that made
+// it: reading and waiting deliver the posts queued for that thread, as its message loop would.
 class NotifyRecorder final : public CNotifyTarget {
  public:
   struct Posted {

@@ -43,3 +43,5 @@ bool PostNotify(NotifyHandle handle, MessageId message, WPARAM_T wParam, LPARAM_
   it->second->OnPosted(message, wParam, lParam);
   return true;
 }
+
+void DeliverQueuedNotifications() {}

@@ -1,0 +1,9 @@
+// Where this code was loaded from: files that travel with the plug-in ("devices.xml") live
+// beside it, wherever the host found it.
+#pragma once
+
+#include <string>
+
+// [any thread] The absolute path of the module that holds this code: the plug-in's library when
+// built as one, else the program. Empty if the system cannot say.
+std::wstring ModulePath();
