@@ -155,7 +155,7 @@ const char* TiXmlBase::ReadName(const char* p, std::string* name) {
 const char* TiXmlBase::ReadText(const char* p, std::string* text, bool trim, const char* endTag,
                                 bool exact) {
   text->clear();
-  if (!*endTag) return p;
+  if (!p || !*endTag) return p;
   const std::size_t tagLength = std::strlen(endTag);
   if (trim && condenseWhiteSpace) {
     p = SkipWhiteSpace(p);
