@@ -2,6 +2,7 @@
 // on two at once, where the first wins when both are set (a stop request before more work).
 #pragma once
 
+#include <atomic>
 #include <condition_variable>
 #include <cstdint>
 #include <mutex>
@@ -26,14 +27,15 @@ class CAutoResetEvent {
     WaitLink* next;
   };
 
-  bool TryConsumeLocked();
-  bool TryConsume();
+  // Takes the signal if set. Lock-free, so a woken waiter never queues behind the Set() that
+  // woke it, which still holds the mutex while it walks its waiters.
+  bool TryConsume() noexcept { return m_signalled.exchange(false, std::memory_order_acq_rel); }
   void Link(WaitLink& link);
   void Unlink(WaitLink& link);
 
   std::mutex m_mutex;
   std::condition_variable m_cv;
-  bool m_signalled = false;
+  std::atomic<bool> m_signalled{false};
   WaitLink* m_links = nullptr;  // multi-event waits in progress, each link on its waiter's stack
 };
 

@@ -20,28 +20,21 @@ Clock::time_point DeadlineAfter(std::int64_t timeoutMs) {
 }  // namespace
 
 void CAutoResetEvent::Set() {
-  std::lock_guard lock(m_mutex);
-  // Already set: every waiter was woken then, or will find it set. Waking again would only cost
-  // a system call per post while the worker is on its way.
-  if (m_signalled) return;
-  m_signalled = true;
-  m_cv.notify_one();
-  for (WaitLink* link = m_links; link; link = link->next) {
-    std::lock_guard waiterLock(link->waiter->mutex);
-    link->waiter->woken = true;
-    link->waiter->cv.notify_one();
+  {
+    std::lock_guard lock(m_mutex);
+    // Already set: every waiter was woken then, or will find it set. Waking again would only
+    // cost a system call per post while the worker is on its way.
+    if (m_signalled.exchange(true, std::memory_order_acq_rel)) return;
+    // The mutex, held while the waiters are woken, keeps each from unlinking meanwhile.
+    for (WaitLink* link = m_links; link; link = link->next) {
+      {
+        std::lock_guard waiterLock(link->waiter->mutex);
+        link->waiter->woken = true;
+      }
+      link->waiter->cv.notify_one();
+    }
   }
-}
-
-bool CAutoResetEvent::TryConsumeLocked() {
-  const bool was = m_signalled;
-  m_signalled = false;
-  return was;
-}
-
-bool CAutoResetEvent::TryConsume() {
-  std::lock_guard lock(m_mutex);
-  return TryConsumeLocked();
+  m_cv.notify_one();  // outside the lock, so a single waiter does not wake into it
 }
 
 void CAutoResetEvent::Link(WaitLink& link) {
@@ -63,14 +56,14 @@ void CAutoResetEvent::Unlink(WaitLink& link) {
 bool CAutoResetEvent::Wait(std::int64_t timeoutMs) {
   std::unique_lock lock(m_mutex);
   const auto deadline = DeadlineAfter(timeoutMs);
-  while (!m_signalled) {
+  while (!TryConsume()) {
     if (deadline == Clock::time_point::max()) {
       m_cv.wait(lock);
-    } else if (m_cv.wait_until(lock, deadline) == std::cv_status::timeout && !m_signalled) {
-      return false;
+    } else if (m_cv.wait_until(lock, deadline) == std::cv_status::timeout) {
+      return TryConsume();
     }
   }
-  return TryConsumeLocked();
+  return true;
 }
 
 int WaitForEither(CAutoResetEvent& first, CAutoResetEvent& second, std::int64_t timeoutMs) {
