@@ -19,7 +19,7 @@
 #include "core/mfx_interfaces.h"
 #include "core/my_filter.h"
 #include "core/shared_host_ref.h"
-#include "instruments/mfx_instrument.h"
+#include "instruments/instrument.h"
 #include "documents/stored_event.h"
 #include "platform/com_ptr.h"
 #include "platform/lock.h"
@@ -69,6 +69,8 @@ class CSoftSynth : public CDXiSynthContext,
   HRESULT STDMETHODCALLTYPE OnEvents(std::uint32_t unread1, std::uint32_t unread2,
                                      std::int32_t channelKey, IHostEventList* list) override;
   HRESULT STDMETHODCALLTYPE OnInput(std::uint32_t unread, IHostDataList* list) override;
+  // [host thread] The eight name operations forward, under the instance lock, to the
+  // instrument's operation of the same name; E_FAIL when the instrument could not be made.
   HRESULT STDMETHODCALLTYPE GetBanks(std::int32_t** banks, std::int32_t* count) override;
   HRESULT STDMETHODCALLTYPE QueryPatchFalse(std::int32_t bank, std::int32_t patch) override;
   HRESULT STDMETHODCALLTYPE QueryPatchTrue(std::int32_t bank, std::int32_t patch) override;
@@ -77,6 +79,8 @@ class CSoftSynth : public CDXiSynthContext,
   HRESULT STDMETHODCALLTYPE GetControllerNames(IMfxNameList** names) override;
   HRESULT STDMETHODCALLTYPE ReservedListA(void* a) override;
   HRESULT STDMETHODCALLTYPE ReservedListB(void* a) override;
+  // [host thread] The instrument with a reference added. E_POINTER for null, E_FAIL when the
+  // instrument could not be made.
   HRESULT STDMETHODCALLTYPE GetInstrumentInterface(std::uint32_t unread,
                                                    IMfxInstrument** instrument) override;
 
@@ -104,6 +108,7 @@ class CSoftSynth : public CDXiSynthContext,
   HRESULT STDMETHODCALLTYPE GetEvent(std::uint32_t index, CStoredEvent** event) override;
   HRESULT STDMETHODCALLTYPE InsertEvent(std::uint32_t index, const CStoredEvent* event) override;
   HRESULT STDMETHODCALLTYPE RemoveEvent(std::uint32_t index) override;
+  // The instance's device store, without a reference added; null when it could not be made.
   HRESULT STDMETHODCALLTYPE GetInstrumentObject(CInstrument** instrument) override;
   HRESULT STDMETHODCALLTYPE SendEvent(const CStoredEvent* event) override;
   HRESULT STDMETHODCALLTYPE GetSysexPrefixByte(std::uint8_t* byte, std::int32_t index) override;
@@ -120,7 +125,11 @@ class CSoftSynth : public CDXiSynthContext,
   // --- IExternalDeviceProxy3 -----------------------------------------------------------------
   HRESULT STDMETHODCALLTYPE SendSysexData(std::uint32_t unread, const std::uint8_t* bytes,
                                           std::uint32_t length) override;
+  // [any thread] 1 once after each change of the current device, else 0; clears the mark.
   HRESULT STDMETHODCALLTYPE ConsumeInstrumentChanged(std::int32_t* changed) override;
+  // [any thread] The current device's name and the output port's name, each with its
+  // terminator, and the forced channel. E_FAIL when either name does not fit, the name buffer
+  // being left alone when the device has no name to give; E_POINTER for null arguments.
   HRESULT STDMETHODCALLTYPE GetDeviceSummary(wchar_t* name, std::int32_t nameCapacity,
                                              wchar_t* port, std::int32_t portCapacity,
                                              std::uint32_t* rechannel) override;
@@ -137,6 +146,8 @@ class CSoftSynth : public CDXiSynthContext,
  protected:
   // The instance lock: the processing class's critical section, set once CFilter is built.
   CCritSec& InstanceLock() noexcept { return *m_dxi; }
+  // False when the device store could not be made, which fails the construction.
+  bool HasInstrument() const noexcept { return static_cast<bool>(m_instrument); }
   // [instance lock] Tells the host's pin observer of a change of the output pin count: phase 1
   // before, which a negative answer refuses, phase 2 after. Skipped while not connected; E_FAIL
   // when connected to a host without an observer.
@@ -178,7 +189,7 @@ class CSoftSynth : public CDXiSynthContext,
 
   IEditorWindow* m_editor = nullptr;
   std::atomic<NotifyHandle> m_editorWindow{0};  // the editor's handle, read by StartWorker
-  ComPtr<IMfxInstrument> m_instrument;
+  ComPtr<CInstrument> m_instrument;
 
   std::vector<HostEventRecord> m_pendingEvents;
   VoiceQueue m_voiceQueue;
