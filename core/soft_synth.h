@@ -108,7 +108,6 @@ class CSoftSynth : public CDXiSynthContext,
   HRESULT STDMETHODCALLTYPE GetEvent(std::uint32_t index, CStoredEvent** event) override;
   HRESULT STDMETHODCALLTYPE InsertEvent(std::uint32_t index, const CStoredEvent* event) override;
   HRESULT STDMETHODCALLTYPE RemoveEvent(std::uint32_t index) override;
-  // The instance's device store, without a reference added; null when it could not be made.
   HRESULT STDMETHODCALLTYPE GetInstrumentObject(CInstrument** instrument) override;
   HRESULT STDMETHODCALLTYPE SendEvent(const CStoredEvent* event) override;
   HRESULT STDMETHODCALLTYPE GetSysexPrefixByte(std::uint8_t* byte, std::int32_t index) override;
@@ -125,11 +124,7 @@ class CSoftSynth : public CDXiSynthContext,
   // --- IExternalDeviceProxy3 -----------------------------------------------------------------
   HRESULT STDMETHODCALLTYPE SendSysexData(std::uint32_t unread, const std::uint8_t* bytes,
                                           std::uint32_t length) override;
-  // [any thread] 1 once after each change of the current device, else 0; clears the mark.
   HRESULT STDMETHODCALLTYPE ConsumeInstrumentChanged(std::int32_t* changed) override;
-  // [any thread] The current device's name and the output port's name, each with its
-  // terminator, and the forced channel. E_FAIL when either name does not fit, the name buffer
-  // being left alone when the device has no name to give; E_POINTER for null arguments.
   HRESULT STDMETHODCALLTYPE GetDeviceSummary(wchar_t* name, std::int32_t nameCapacity,
                                              wchar_t* port, std::int32_t portCapacity,
                                              std::uint32_t* rechannel) override;

@@ -84,8 +84,9 @@ void CInstrument::SaveFile() {
   TiXmlDocument doc;
   doc.InsertEndChild(TiXmlDeclaration("1.0", "", ""));
   TiXmlNode& instruments = AppendElement(doc, "Instruments");
+  const std::wstring generic = NarrowToWide(kGenericDevice);
   for (const auto& entry : m_devices)
-    if (entry.first != NarrowToWide(kGenericDevice)) WriteDevice(instruments, entry.first);
+    if (entry.first != generic) WriteDevice(instruments, entry.first);
   doc.SaveFile(WideToNarrow(m_devicesFile));  // a file that cannot be written is not reported
 }
 

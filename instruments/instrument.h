@@ -62,7 +62,8 @@ class CInstrument final : public IMfxInstrument {
   HRESULT STDMETHODCALLTYPE ReservedListB(void* a) override;
 
  private:
-  // Writes the store to its file when it changed; releases every list.
+  // The class's own virtual operations follow the interface's, destructor first: the order is
+  // part of the object's binary layout. Writes the store to its file when it changed.
   virtual ~CInstrument();
 
  public:
