@@ -39,12 +39,10 @@ TEST_F(DefinitionImport, GeneralMidiDevicesWithTheirBanksPatchesAndControllers) 
 
   store->SelectDevice(L"General MIDI Level 1");
   EXPECT_EQ(Banks(*store), std::vector<std::int32_t>{0}) << "Patch[*] adds no bank";
-  ComPtr<IMfxNameList> piano = PatchNames(*store, 0);
-  const std::vector<std::string> byIndex = ByIndex(*piano);
-  ASSERT_EQ(byIndex.size(), 128u);
-  EXPECT_EQ(byIndex.front(), "Acoustic Grand Piano");
-  EXPECT_EQ(byIndex.back(), "Gunshot");
-  EXPECT_EQ(Title(*piano), "General MIDI Level 1 Patches");
+  const std::vector<std::string> piano = ByIndex(*PatchNames(*store, 0));
+  ASSERT_EQ(piano.size(), 128u);
+  EXPECT_EQ(piano.front(), "Acoustic Grand Piano");
+  EXPECT_EQ(piano.back(), "Gunshot");
   ComPtr<IMfxNameList> controllers = ControllerNames(*store);
   EXPECT_EQ(Walk(*controllers).size(), 32u) << "RPN and NRPN tables stay out";
   char name[32];
@@ -74,7 +72,6 @@ TEST_F(DefinitionImport, TwoFilesMergeIntoOneStore) {
   store->SelectDevice(L"Microsoft GS Wavetable Synth");
   EXPECT_EQ(Banks(*store), (std::vector<std::int32_t>{0, 128, 256, 384, 512, 640, 768, 896, 1024,
                                                       1152, 2048, 3072, 4096}));
-  EXPECT_EQ(Walk(*PatchNames(*store, 0)).size(), 128u);
   EXPECT_EQ(Walk(*PatchNames(*store, 128)).at(38), "Synth Bass101");
   const Names controllers = Walk(*ControllerNames(*store));
   EXPECT_EQ(controllers.size(), 23u);

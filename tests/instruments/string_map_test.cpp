@@ -2,9 +2,9 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
-#include <string>
 
 #include "instruments/string_map.h"
+#include "tests/instruments/host_reading.h"
 
 namespace {
 
@@ -16,31 +16,27 @@ ComPtr<CStringMap> List(const char* title) {
 
 TEST(NameList, AnEmptyListHasRoomFor128AndNothingToWalk) {
   ComPtr<CStringMap> list = List(nullptr);
-  std::int32_t count = -1;
   std::int32_t max = -1;
-  EXPECT_EQ(list->GetCount(&count), S_OK);
   EXPECT_EQ(list->GetMaxCount(&max), S_OK);
-  EXPECT_EQ(count, 0);
   EXPECT_EQ(max, 128);
-  MfxPosition position = 99;
-  EXPECT_EQ(list->GetFirstPosition(&position), S_OK);
-  char name[8] = "x";
-  EXPECT_EQ(list->GetNextEntry(&position, nullptr, name, 8), S_FALSE);
-  EXPECT_EQ(list->GetTitle(name, 8), S_OK);
-  EXPECT_STREQ(name, "") << "a null title is an empty one";
+  EXPECT_TRUE(Walk(*list).empty());
+  EXPECT_TRUE(ByIndex(*list).empty());
+  EXPECT_EQ(Title(*list), "") << "a null title is an empty one";
 }
 
-TEST(NameList, TheIndexReachesKeys0To127AndLookupReachesAll) {
+TEST(NameList, TheIndexReachesKeys0To127WhileTheWalkAndLookupReachAll) {
   ComPtr<CStringMap> list = List("T");
-  list->SetName(128, "high");
-  list->SetName(3, "three");
+  for (const auto& [key, name] : std::map<std::int32_t, const char*>{
+           {200, "c"}, {-5, "a"}, {7, "b"}, {128, "high"}})
+    list->SetName(key, name);
+  list->SetName(7, "B");
+  EXPECT_EQ(Walk(*list), (std::map<std::int32_t, std::string>{
+                             {-5, "a"}, {7, "B"}, {128, "high"}, {200, "c"}}));
   char name[16] = "junk";
   EXPECT_EQ(list->GetNameAt(128, name, sizeof name), E_INVALIDARG);
   EXPECT_EQ(list->GetNameAt(-1, name, sizeof name), E_INVALIDARG);
   EXPECT_EQ(list->LookupName(128, name, sizeof name), S_OK);
   EXPECT_STREQ(name, "high");
-  EXPECT_EQ(list->GetNameAt(3, name, sizeof name), S_OK);
-  EXPECT_STREQ(name, "three");
 
   // A hole: empty by index, absent by lookup, which leaves the buffer alone.
   EXPECT_EQ(list->GetNameAt(4, name, sizeof name), S_OK);
@@ -48,30 +44,13 @@ TEST(NameList, TheIndexReachesKeys0To127AndLookupReachesAll) {
   std::strcpy(name, "kept");
   EXPECT_EQ(list->LookupName(4, name, sizeof name), S_FALSE);
   EXPECT_STREQ(name, "kept");
+  EXPECT_EQ(ByIndex(*list), (std::vector<std::string>{"", "", "", ""}))
+      << "the count is of names held, not the highest key";
 
-  std::int32_t count = 0;
-  list->GetCount(&count);
-  EXPECT_EQ(count, 2) << "the count is of names held, not the highest key";
-}
-
-TEST(NameList, TheWalkVisitsEveryKeyInAscendingOrder) {
-  ComPtr<CStringMap> list = List("T");
-  list->SetName(200, "c");
-  list->SetName(-5, "a");
-  list->SetName(7, "b");
-  list->SetName(7, "B");  // replaces
-  std::string seen;
-  MfxPosition position = 0;
-  list->GetFirstPosition(&position);
-  std::int32_t key = 0;
-  char name[8];
-  while (list->GetNextEntry(&position, &key, name, sizeof name) == S_OK)
-    seen += std::to_string(key) + "=" + name + ";";
-  EXPECT_EQ(seen, "-5=a;7=B;200=c;");
-  EXPECT_EQ(position, 0u);
-  EXPECT_EQ(list->GetNextEntry(&position, &key, name, sizeof name), S_FALSE);
-  MfxPosition stale = 4;
-  EXPECT_EQ(list->GetNextEntry(&stale, &key, name, sizeof name), S_FALSE);
+  MfxPosition spent = 0;
+  EXPECT_EQ(list->GetNextEntry(&spent, nullptr, name, sizeof name), S_FALSE);
+  MfxPosition stale = 5;
+  EXPECT_EQ(list->GetNextEntry(&stale, nullptr, name, sizeof name), S_FALSE);
 }
 
 TEST(NameList, NamesThatDoNotFitAreCutAndEndWithAZero) {
@@ -86,7 +65,6 @@ TEST(NameList, NamesThatDoNotFitAreCutAndEndWithAZero) {
   EXPECT_STREQ(name, "Gr");
   std::strcpy(name, "keep");
   EXPECT_EQ(list->GetTitle(name, 0), S_OK);
-  EXPECT_EQ(list->LookupName(1, name, 0), S_OK);
   EXPECT_EQ(list->GetNameAt(1, name, 0), S_OK);
   MfxPosition position = 0;
   list->GetFirstPosition(&position);
@@ -96,44 +74,18 @@ TEST(NameList, NamesThatDoNotFitAreCutAndEndWithAZero) {
   EXPECT_STREQ(name, "keep") << "a length below 1 writes nothing";
 }
 
-TEST(NameList, NullArgumentsAreRefused) {
+TEST(NameList, NullArgumentsAreRefusedAndAListIsNotMadeTwice) {
   ComPtr<CStringMap> list = List("T");
-  list->SetName(0, "a");
   MfxPosition position = 1;
-  std::int32_t number = 0;
-  char name[4];
   EXPECT_EQ(list->GetTitle(nullptr, 4), E_POINTER);
-  EXPECT_EQ(list->GetMaxCount(nullptr), E_POINTER);
   EXPECT_EQ(list->GetNameAt(0, nullptr, 4), E_POINTER);
-  EXPECT_EQ(list->GetCount(nullptr), E_POINTER);
-  EXPECT_EQ(list->GetFirstPosition(nullptr), E_POINTER);
-  EXPECT_EQ(list->GetNextEntry(nullptr, &number, name, 4), E_POINTER);
-  EXPECT_EQ(list->GetNextEntry(&position, &number, nullptr, 4), E_POINTER);
+  EXPECT_EQ(list->GetNextEntry(&position, nullptr, nullptr, 4), E_POINTER);
   EXPECT_EQ(list->LookupName(0, nullptr, 4), E_POINTER);
-  EXPECT_EQ(list->QueryInterface(IID_IMfxNameList, nullptr), E_POINTER);
   EXPECT_EQ(CreateNameList(nullptr, "T"), E_POINTER);
-}
-
-TEST(NameList, AnswersItsThreeInterfacesAsOneObject) {
-  ComPtr<CStringMap> list = List("T");
-  for (const IID& iid : {IID_IUnknown, IID_IMfxNameList, IID_IMfxNameList2}) {
-    void* object = nullptr;
-    ASSERT_EQ(list->QueryInterface(iid, &object), S_OK);
-    EXPECT_EQ(object, static_cast<IMfxNameList2*>(list.Get()));
-    static_cast<IMfxNameList2*>(object)->Release();
-  }
-  void* object = &object;
-  EXPECT_EQ(list->QueryInterface(IID_IMfxInstrument, &object), E_NOINTERFACE);
-  EXPECT_EQ(object, nullptr);
-}
-
-TEST(NameList, CreateLeavesAListThatIsAlreadyThere) {
-  ComPtr<CStringMap> list = List("first");
   CStringMap* before = list.Get();
   EXPECT_EQ(CreateNameList(&list, "second"), S_OK);
   EXPECT_EQ(list.Get(), before);
-  EXPECT_EQ(list->AddRef(), 2u) << "the target holds the one reference";
-  list->Release();
+  EXPECT_EQ(Title(*list), "T");
 }
 
 }  // namespace
