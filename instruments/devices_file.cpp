@@ -34,15 +34,20 @@ void ForEachNamedText(const TiXmlNode& parent, const char* name, Use use) {
   }
 }
 
+// Links new nodes rather than inserting clones: a store's file can hold a million lines.
 TiXmlElement& AppendElement(TiXmlNode& parent, const char* name) {
-  return *parent.InsertEndChild(TiXmlElement(name))->ToElement();
+  return *parent.LinkEndChild(new TiXmlElement(name))->ToElement();
+}
+
+void AppendText(TiXmlNode& parent, const std::wstring& text) {
+  parent.LinkEndChild(new TiXmlText(WideToNarrow(text)));
 }
 
 void AppendNamed(TiXmlNode& parent, const char* name, std::int32_t number,
                  const std::wstring& text) {
   TiXmlElement& element = AppendElement(parent, name);
   element.SetAttribute("Num", number);
-  element.InsertEndChild(TiXmlText(WideToNarrow(text)));
+  AppendText(element, text);
 }
 
 bool StartsWithDeclaration(const std::wstring& path) {
@@ -136,7 +141,7 @@ void CInstrument::WriteDevice(TiXmlNode& parent, const std::wstring& name) {
   CAutoLock lock(m_lock);
   const DeviceEntry& device = m_devices[name];
   TiXmlElement& instrument = AppendElement(parent, "Instrument");
-  AppendElement(instrument, "Type").InsertEndChild(TiXmlText(WideToNarrow(name)));
+  AppendText(AppendElement(instrument, "Type"), name);
   for (const auto& [number, text] : m_controllerTables[device.controllerTable])
     AppendNamed(instrument, "CC", number, text);
   for (const auto& [number, table] : device.banks) {
