@@ -1,7 +1,7 @@
-// The full path of the module file (shared library, or program) that contains this code.
+// The full path of the module file (shared library or program) that contains this code; empty
+// when the platform cannot tell.
 #pragma once
 
 #include <string>
 
-// Empty when the platform cannot tell.
 std::wstring ModulePath();
