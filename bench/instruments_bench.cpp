@@ -12,9 +12,9 @@
 namespace {
 
 constexpr int kDevices = 50;
-constexpr int kBanks = 100;          // per device
+constexpr int kBanks = 100;           // per device
 constexpr int kTablesPerDevice = 10;  // each used by ten of the device's banks
-constexpr int kPatches = 128;        // per table
+constexpr int kPatches = 128;         // per table
 const std::wstring kBigDevice = L"Device 25";
 
 // 50 devices of 100 banks over 500 tables of 128 names: about 69,000 lines, with CRLF endings.
@@ -28,7 +28,8 @@ std::string DefinitionText() {
                 std::to_string(t) + "\r\n";
     }
   text += "\r\n.Controller Names\r\n[Controls]\r\n";
-  for (int c = 0; c < 128; ++c) text += std::to_string(c) + "=Controller " + std::to_string(c) + "\r\n";
+  for (int c = 0; c < 128; ++c)
+    text += std::to_string(c) + "=Controller " + std::to_string(c) + "\r\n";
   text += "\r\n.Instrument Definitions\r\n";
   for (int d = 0; d < kDevices; ++d) {
     text += "\r\n[Device " + std::to_string(d) + "]\r\nControl=Controls\r\n";
@@ -71,7 +72,7 @@ void BM_SaveDevicesFile(benchmark::State& state) {
     state.PauseTiming();
     ComPtr<CInstrument> store(new CInstrument(f.folder.File("none.xml")));
     store->ParseDefinitionText(f.text);
-    store->RemoveAllDevices();  // marks the store for writing ...
+    store->RemoveAllDevices();           // marks the store for writing ...
     store->ParseDefinitionText(f.text);  // ... and brings the devices back
     state.ResumeTiming();
     store.Reset();

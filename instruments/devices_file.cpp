@@ -58,8 +58,9 @@ bool StartsWithDeclaration(const std::wstring& path) {
 
 std::wstring LowerExtension(const std::wstring& path) {
   std::wstring tail = path.substr(path.size() - std::min<std::size_t>(path.size(), 3));
-  std::transform(tail.begin(), tail.end(), tail.begin(),
-                 [](wchar_t c) { return static_cast<wchar_t>(std::towlower(static_cast<wint_t>(c))); });
+  std::transform(tail.begin(), tail.end(), tail.begin(), [](wchar_t c) {
+    return static_cast<wchar_t>(std::towlower(static_cast<wint_t>(c)));
+  });
   return tail;
 }
 
@@ -115,8 +116,9 @@ void CInstrument::ReadDevice(const TiXmlNode& instrument, std::vector<std::wstri
   device.controllerTable = *name;
   NameTable& controllers = m_controllerTables[*name];
   controllers.clear();
-  ForEachNamedText(instrument, "CC",
-                   [&](std::int32_t number, const std::wstring& text) { controllers[number] = text; });
+  ForEachNamedText(instrument, "CC", [&](std::int32_t number, const std::wstring& text) {
+    controllers[number] = text;
+  });
 
   device.banks.clear();
   for (const TiXmlElement* bank = instrument.FirstChildElement("Bank"); bank;

@@ -104,7 +104,8 @@ void CInstrument::ParseLine(DefinitionParse& parse, std::wstring_view line) {
     return;
   }
   const std::size_t equals = line.find(L'=');
-  const std::wstring_view key = equals == std::wstring_view::npos ? std::wstring_view() : line.substr(0, equals);
+  const std::wstring_view key =
+      equals == std::wstring_view::npos ? std::wstring_view() : line.substr(0, equals);
   const std::wstring_view value = line.substr(equals == std::wstring_view::npos ? 1 : equals + 1);
   switch (parse.section) {
     case Section::ControllerNames:

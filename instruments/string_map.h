@@ -35,8 +35,7 @@ class CStringMap final : public IMfxNameList2 {
   HRESULT STDMETHODCALLTYPE GetFirstPosition(MfxPosition* position) override;
   HRESULT STDMETHODCALLTYPE GetNextEntry(MfxPosition* position, std::int32_t* key, char* name,
                                          std::int32_t length) override;
-  HRESULT STDMETHODCALLTYPE LookupName(std::int32_t key, char* name,
-                                       std::int32_t length) override;
+  HRESULT STDMETHODCALLTYPE LookupName(std::int32_t key, char* name, std::int32_t length) override;
 
   // [building thread] Stores `text` under `key`, replacing a name already there. S_OK.
   HRESULT SetName(std::int32_t key, std::string_view text);

@@ -44,15 +44,13 @@ CStoredEvent Named(const wchar_t* name, bool enabled = true) {
 TEST(StoredEventXmlWrite, EachKindHasItsOwnExactForm) {
   CStoredEvent wait = Named(L"P");
   wait.SetWait(1000);
-  EXPECT_EQ(Written(wait),
-            R"(<MIDIMsg Name="P" Description="d" Enabled="1" Wait="1000" />)");
+  EXPECT_EQ(Written(wait), R"(<MIDIMsg Name="P" Description="d" Enabled="1" Wait="1000" />)");
 
   CStoredEvent messages = Named(L"B", false);
   messages.SetMessages({M(0xB0, 0, 1), M(0xC3, 127)});
-  EXPECT_EQ(Written(messages),
-            R"(<MIDIMsg Name="B" Description="d" Enabled="0">)"
-            R"(<Msg Status="176" Data1="0" Data2="1" />)"
-            R"(<Msg Status="195" Data1="127" Data2="0" /></MIDIMsg>)");
+  EXPECT_EQ(Written(messages), R"(<MIDIMsg Name="B" Description="d" Enabled="0">)"
+                               R"(<Msg Status="176" Data1="0" Data2="1" />)"
+                               R"(<Msg Status="195" Data1="127" Data2="0" /></MIDIMsg>)");
 
   CStoredEvent sysex = Named(L"S");
   sysex.SetSysex({0xF0, 0xF7});
@@ -100,7 +98,8 @@ TEST(StoredEventXmlRoundTrip, KeepsThePayloadThatDecidesTheKind) {
     bytes.back() = 0xF7;
     CStoredEvent sysex = Named(L"S");
     sysex.SetSysex(bytes);
-    EXPECT_EQ(RoundTrip(sysex).GetSysex(), bytes) << "padding bytes must not survive, size " << size;
+    EXPECT_EQ(RoundTrip(sysex).GetSysex(), bytes)
+        << "padding bytes must not survive, size " << size;
   }
 
   CStoredEvent empty = RoundTrip(Named(L"E", true));

@@ -123,10 +123,10 @@ TEST_F(DefinitionImport, KeyLinesKeepTheirTextAroundTheEqualsSign) {
 
 TEST_F(DefinitionImport, LongLinesContinueAndAnUnendedLastLineIsLost) {
   const std::string longName(256, 'A');
-  ASSERT_EQ(store->ImportDefinitions(folder.Write(
-                "long.ins", ".Instrument Definitions\n[D]\nPatch[0]=T\n.Patch Names\n[T]\n"
-                            "20=" + longName + "21=Continued\n99=Unended")),
-            S_OK);
+  const std::string text =
+      ".Instrument Definitions\n[D]\nPatch[0]=T\n.Patch Names\n[T]\n20=" + longName +
+      "21=Continued\n99=Unended";
+  ASSERT_EQ(store->ImportDefinitions(folder.Write("long.ins", text)), S_OK);
   store->SelectDevice(L"D");
   EXPECT_EQ(Walk(*PatchNames(*store, 0)), (Names{{20, longName}, {21, "Continued"}}));
 }
@@ -137,8 +137,9 @@ TEST_F(DefinitionImport, BrokenInputLosesNothingAlreadyThere) {
   const char kJunk[] =
       "\0\xff[\n.Patch Names\n[T]\n=\n9999999999=Big\n1\n.\n[]\n]]]\n"
       ".Instrument Definitions\n[D]\nPatch[=\nPatch[99999999999]=X\n\xF0\x90\x80\n";
-  EXPECT_EQ(store->ImportDefinitions(folder.Write("junk.ins", std::string(kJunk, sizeof kJunk - 1))),
-            S_OK);
+  EXPECT_EQ(
+      store->ImportDefinitions(folder.Write("junk.ins", std::string(kJunk, sizeof kJunk - 1))),
+      S_OK);
   store->SelectDevice(L"D");
   EXPECT_EQ(Banks(*store), std::vector<std::int32_t>{0});
   EXPECT_EQ(Walk(*PatchNames(*store, 0)), (Names{{1, "One"}}));

@@ -1,12 +1,13 @@
 // The device store: what it reads from its file and from saved states, what it selects and
 // hands the host, and when it writes the file back.
+#include "instruments/instrument.h"
+
 #include <gtest/gtest.h>
 
 #include <filesystem>
 #include <string>
 
 #include "documents/xml.h"
-#include "instruments/instrument.h"
 #include "platform/module_path.h"
 #include "tests/instruments/host_reading.h"
 #include "tests/support/temp_folder.h"
@@ -105,9 +106,10 @@ TEST_F(DeviceStore, ASecondDefinitionOfADeviceReplacesItsTablesButMergesItsPatch
 
 TEST_F(DeviceStore, InstrumentsWithoutATypeAreSkippedAndANonElementEndsTheWalk) {
   ComPtr<CInstrument> store = Open();
-  EXPECT_EQ(Merge(*store, "<I><Instrument><Type/></Instrument><Instrument><Type><x/></Type>"
-                          "</Instrument><Instrument><Type>A</Type></Instrument>Instrument"
-                          "<Instrument><Type>B</Type></Instrument></I>"),
+  EXPECT_EQ(Merge(*store,
+                  "<I><Instrument><Type/></Instrument><Instrument><Type><x/></Type>"
+                  "</Instrument><Instrument><Type>A</Type></Instrument>Instrument"
+                  "<Instrument><Type>B</Type></Instrument></I>"),
             std::vector<std::wstring>{L"A"});
 }
 
@@ -171,13 +173,15 @@ TEST_F(DeviceStore, OfTwoInstancesThatChangedTheirStoresTheLastDestroyedDecides)
 
 TEST_F(DeviceStore, ClearingKeepsControllerTablesOutOfSight) {
   ComPtr<CInstrument> store = Open();
-  store->ParseDefinitionText(".Controller Names\n[C]\n1=Mod\n.Instrument Definitions\n[D]\n"
-                             "Control=C\n");
+  store->ParseDefinitionText(
+      ".Controller Names\n[C]\n1=Mod\n.Instrument Definitions\n[D]\n"
+      "Control=C\n");
   store->RemoveAllDevices();
   store->ResetToGenericDevice();
   EXPECT_EQ(store->GetDeviceNames().size(), 1u);
-  store->ParseDefinitionText(".Controller Names\n[C]\n2=Breath\n.Instrument Definitions\n"
-                             "[E]\nControl=C\n");
+  store->ParseDefinitionText(
+      ".Controller Names\n[C]\n2=Breath\n.Instrument Definitions\n"
+      "[E]\nControl=C\n");
   store->SelectDevice(L"E");
   EXPECT_EQ(Walk(*ControllerNames(*store)), (Names{{1, "Mod"}, {2, "Breath"}}));
 }
@@ -189,14 +193,14 @@ TEST_F(DeviceStore, ImportChoosesByExtensionInAnyCase) {
   EXPECT_EQ(store->ImportDefinitions(folder.File("missing.ins")), E_FAIL);
   EXPECT_EQ(store->ImportDefinitions(folder.Write("b.xml", "<Instruments/>")), E_FAIL)
       << "an XML file must start with its declaration";
-  EXPECT_EQ(store->ImportDefinitions(folder.Write("d.XML", "<?xml version=\"1.0\"?><Broken")),
-            S_OK)
+  EXPECT_EQ(store->ImportDefinitions(folder.Write("d.XML", "<?xml version=\"1.0\"?><Broken")), S_OK)
       << "a declared XML file that does not parse still counts";
-  EXPECT_EQ(store->ImportDefinitions(folder.Write(
-                "e.Xml", "<?xml?><Instruments><Instrument><Type>X</Type></Instrument></Instruments>")),
-            S_OK);
-  EXPECT_EQ(store->ImportDefinitions(folder.Write(
-                "f.InS", ".Instrument Definitions\r\n[Y]\r\nPatch[1]=T\r\n")),
+  EXPECT_EQ(
+      store->ImportDefinitions(folder.Write(
+          "e.Xml", "<?xml?><Instruments><Instrument><Type>X</Type></Instrument></Instruments>")),
+      S_OK);
+  EXPECT_EQ(store->ImportDefinitions(
+                folder.Write("f.InS", ".Instrument Definitions\r\n[Y]\r\nPatch[1]=T\r\n")),
             S_OK);
   EXPECT_EQ(store->GetDeviceNames(), (std::vector<std::wstring>{L"X", L"Y"}));
   EXPECT_EQ(store->ImportDefinitions(folder.File("missing.ins")), S_OK)

@@ -1,9 +1,10 @@
 // The host reads a name list by index (keys 0 to 127 only) or by walking it in key order.
+#include "instruments/string_map.h"
+
 #include <gtest/gtest.h>
 
 #include <cstring>
 
-#include "instruments/string_map.h"
 #include "tests/instruments/host_reading.h"
 
 namespace {
@@ -26,12 +27,12 @@ TEST(NameList, AnEmptyListHasRoomFor128AndNothingToWalk) {
 
 TEST(NameList, TheIndexReachesKeys0To127WhileTheWalkAndLookupReachAll) {
   ComPtr<CStringMap> list = List("T");
-  for (const auto& [key, name] : std::map<std::int32_t, const char*>{
-           {200, "c"}, {-5, "a"}, {7, "b"}, {128, "high"}})
+  for (const auto& [key, name] :
+       std::map<std::int32_t, const char*>{{200, "c"}, {-5, "a"}, {7, "b"}, {128, "high"}})
     list->SetName(key, name);
   list->SetName(7, "B");
-  EXPECT_EQ(Walk(*list), (std::map<std::int32_t, std::string>{
-                             {-5, "a"}, {7, "B"}, {128, "high"}, {200, "c"}}));
+  EXPECT_EQ(Walk(*list),
+            (std::map<std::int32_t, std::string>{{-5, "a"}, {7, "B"}, {128, "high"}, {200, "c"}}));
   char name[16] = "junk";
   EXPECT_EQ(list->GetNameAt(128, name, sizeof name), E_INVALIDARG);
   EXPECT_EQ(list->GetNameAt(-1, name, sizeof name), E_INVALIDARG);

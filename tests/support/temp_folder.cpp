@@ -19,8 +19,8 @@ TempFolder::~TempFolder() {
 std::wstring TempFolder::File(std::string_view name) const { return (m_path / name).wstring(); }
 
 std::wstring TempFolder::Write(std::string_view name, std::string_view bytes) const {
-  std::ofstream(m_path / name, std::ios::binary).write(bytes.data(),
-                                                       static_cast<std::streamsize>(bytes.size()));
+  std::ofstream(m_path / name, std::ios::binary)
+      .write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
   return File(name);
 }
 
