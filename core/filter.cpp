@@ -25,6 +25,7 @@ CFilter::CFilter(IUnknown* outer, HRESULT* phr)
       CBaseFilter(L"Tarn", outer, static_cast<CDXi*>(this), CLSID_TarnFilter) {
   m_dxi = this;
   HRESULT& hr = *phr;
+  if (SUCCEEDED(hr) && !HasInstrument()) hr = E_OUTOFMEMORY;
   if (FAILED(hr)) return;
   m_inputPin.reset(new (std::nothrow) CFilterInputPin(this, m_pLock, &hr));
   if (!m_inputPin) hr = E_OUTOFMEMORY;

@@ -47,7 +47,8 @@ struct IMyFilter : IUnknown {
   // [editor thread] A deep copy goes in before `index`; index == count appends.
   virtual HRESULT STDMETHODCALLTYPE InsertEvent(std::uint32_t index, const CStoredEvent* event) = 0;
   virtual HRESULT STDMETHODCALLTYPE RemoveEvent(std::uint32_t index) = 0;
-  // Hands out the instrument without adding a reference.
+  // Hands out the instance's device store without adding a reference; null when it could not
+  // be made.
   virtual HRESULT STDMETHODCALLTYPE GetInstrumentObject(CInstrument** instrument) = 0;
   // [any thread] Queues a copy for the worker; the post's result.
   virtual HRESULT STDMETHODCALLTYPE SendEvent(const CStoredEvent* event) = 0;
@@ -84,7 +85,12 @@ struct IExternalDeviceProxy : IUnknown {
   // [any thread] Queues the bytes as one system exclusive event; always 0.
   virtual HRESULT STDMETHODCALLTYPE SendSysexData(std::uint32_t unread, const std::uint8_t* bytes,
                                                   std::uint32_t length) = 0;
+  // [any thread] 1 once after each change of the current device, else 0; clears the mark.
   virtual HRESULT STDMETHODCALLTYPE ConsumeInstrumentChanged(std::int32_t* changed) = 0;
+  // [any thread] The current device's name and the output port's name, each with its
+  // terminator, and the forced channel. E_FAIL when a name does not fit; the device's name is
+  // written before the port's is tried, and left out when the store has none to give.
+  // E_POINTER for null arguments.
   virtual HRESULT STDMETHODCALLTYPE GetDeviceSummary(wchar_t* name, std::int32_t nameCapacity,
                                                      wchar_t* port, std::int32_t portCapacity,
                                                      std::uint32_t* rechannel) = 0;

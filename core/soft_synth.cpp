@@ -1,11 +1,14 @@
 #include "core/soft_synth.h"
 
 #include <algorithm>
+#include <cwchar>
+#include <new>
 
 #include "core/activity.h"
 #include "core/output_worker.h"
+#include "platform/codepage.h"
 
-CSoftSynth::CSoftSynth() = default;
+CSoftSynth::CSoftSynth() : m_instrument(new (std::nothrow) CInstrument()) {}
 
 // Workers are ended by the most derived class, while the instance lock still stands.
 CSoftSynth::~CSoftSynth() = default;
@@ -190,7 +193,7 @@ HRESULT CSoftSynth::RemoveEvent(std::uint32_t index) {
 
 HRESULT CSoftSynth::GetInstrumentObject(CInstrument** instrument) {
   if (!instrument) return E_POINTER;
-  *instrument = nullptr;  // the device store is not part of this build yet
+  *instrument = m_instrument.Get();
   return S_OK;
 }
 
@@ -273,4 +276,83 @@ HRESULT CSoftSynth::SendSysexData(std::uint32_t, const std::uint8_t* bytes, std:
   event.SetSysex(std::vector<std::uint8_t>(bytes, bytes + length));
   PostToWorker(event);  // a post while stopped is lost, quietly
   return S_OK;
+}
+
+namespace {
+
+// Copies `text` with its terminator when it fits `capacity`.
+bool CopyWithTerminator(std::wstring_view text, wchar_t* buffer, std::int32_t capacity) {
+  if (static_cast<std::int64_t>(text.size()) >= capacity) return false;
+  std::wmemcpy(buffer, text.data(), text.size());
+  buffer[text.size()] = L'\0';
+  return true;
+}
+
+}  // namespace
+
+HRESULT CSoftSynth::ConsumeInstrumentChanged(std::int32_t* changed) {
+  if (!changed) return E_POINTER;
+  *changed = m_instrument && m_instrument->ConsumeChanged() ? 1 : 0;
+  return S_OK;
+}
+
+HRESULT CSoftSynth::GetDeviceSummary(wchar_t* name, std::int32_t nameCapacity, wchar_t* port,
+                                     std::int32_t portCapacity, std::uint32_t* rechannel) {
+  if (!name || !port || !rechannel) return E_POINTER;
+  char device[260];
+  if (m_instrument && SUCCEEDED(m_instrument->GetInstrumentName(device, sizeof device)) &&
+      !CopyWithTerminator(NarrowToWide(device), name, nameCapacity))
+    return E_FAIL;
+  if (!CopyWithTerminator(m_outputPortName, port, portCapacity)) return E_FAIL;
+  *rechannel = m_rechannel;
+  return S_OK;
+}
+
+// --- IMfxSoftSynth2: the instrument's names -------------------------------------------------
+
+HRESULT CSoftSynth::GetBanks(std::int32_t** banks, std::int32_t* count) {
+  CAutoLock lock(InstanceLock());
+  return m_instrument ? m_instrument->GetBanks(banks, count) : E_FAIL;
+}
+
+HRESULT CSoftSynth::QueryPatchFalse(std::int32_t bank, std::int32_t patch) {
+  CAutoLock lock(InstanceLock());
+  return m_instrument ? m_instrument->QueryPatchFalse(bank, patch) : E_FAIL;
+}
+
+HRESULT CSoftSynth::QueryPatchTrue(std::int32_t bank, std::int32_t patch) {
+  CAutoLock lock(InstanceLock());
+  return m_instrument ? m_instrument->QueryPatchTrue(bank, patch) : E_FAIL;
+}
+
+HRESULT CSoftSynth::GetPatchNames(std::int32_t bank, IMfxNameList** names) {
+  CAutoLock lock(InstanceLock());
+  return m_instrument ? m_instrument->GetPatchNames(bank, names) : E_FAIL;
+}
+
+HRESULT CSoftSynth::ReservedQuery(std::int32_t a, std::int32_t b, void* c) {
+  CAutoLock lock(InstanceLock());
+  return m_instrument ? m_instrument->ReservedQuery(a, b, c) : E_FAIL;
+}
+
+HRESULT CSoftSynth::GetControllerNames(IMfxNameList** names) {
+  CAutoLock lock(InstanceLock());
+  return m_instrument ? m_instrument->GetControllerNames(names) : E_FAIL;
+}
+
+HRESULT CSoftSynth::ReservedListA(void* a) {
+  CAutoLock lock(InstanceLock());
+  return m_instrument ? m_instrument->ReservedListA(a) : E_FAIL;
+}
+
+HRESULT CSoftSynth::ReservedListB(void* a) {
+  CAutoLock lock(InstanceLock());
+  return m_instrument ? m_instrument->ReservedListB(a) : E_FAIL;
+}
+
+HRESULT CSoftSynth::GetInstrumentInterface(std::uint32_t, IMfxInstrument** instrument) {
+  if (!instrument) return E_POINTER;
+  CAutoLock lock(InstanceLock());
+  *instrument = ComPtr<IMfxInstrument>(m_instrument.Get()).Detach();
+  return *instrument ? S_OK : E_FAIL;
 }

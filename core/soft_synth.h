@@ -20,7 +20,7 @@
 #include "core/mfx_interfaces.h"
 #include "core/my_filter.h"
 #include "core/shared_host_ref.h"
-#include "instruments/mfx_instrument.h"
+#include "instruments/instrument.h"
 #include "documents/stored_event.h"
 #include "platform/com_ptr.h"
 #include "platform/lock.h"
@@ -70,6 +70,8 @@ class CSoftSynth : public CDXiSynthContext,
   HRESULT STDMETHODCALLTYPE OnEvents(std::uint32_t unread1, std::uint32_t unread2,
                                      std::int32_t channelKey, IHostEventList* list) override;
   HRESULT STDMETHODCALLTYPE OnInput(std::uint32_t unread, IHostDataList* list) override;
+  // [host thread] The eight name operations forward, under the instance lock, to the
+  // instrument's operation of the same name; E_FAIL when the instrument could not be made.
   HRESULT STDMETHODCALLTYPE GetBanks(std::int32_t** banks, std::int32_t* count) override;
   HRESULT STDMETHODCALLTYPE QueryPatchFalse(std::int32_t bank, std::int32_t patch) override;
   HRESULT STDMETHODCALLTYPE QueryPatchTrue(std::int32_t bank, std::int32_t patch) override;
@@ -78,6 +80,8 @@ class CSoftSynth : public CDXiSynthContext,
   HRESULT STDMETHODCALLTYPE GetControllerNames(IMfxNameList** names) override;
   HRESULT STDMETHODCALLTYPE ReservedListA(void* a) override;
   HRESULT STDMETHODCALLTYPE ReservedListB(void* a) override;
+  // [host thread] The instrument with a reference added. E_POINTER for null, E_FAIL when the
+  // instrument could not be made.
   HRESULT STDMETHODCALLTYPE GetInstrumentInterface(std::uint32_t unread,
                                                    IMfxInstrument** instrument) override;
 
@@ -161,6 +165,8 @@ class CSoftSynth : public CDXiSynthContext,
  protected:
   // The instance lock: the processing class's critical section, set once CFilter is built.
   CCritSec& InstanceLock() noexcept { return *m_dxi; }
+  // False when the device store could not be made, which fails the construction.
+  bool HasInstrument() const noexcept { return static_cast<bool>(m_instrument); }
   // [instance lock] Tells the host's pin observer of a change of the output pin count: phase 1
   // before, which a negative answer refuses, phase 2 after. Skipped while not connected; E_FAIL
   // when connected to a host without an observer.
@@ -223,7 +229,7 @@ class CSoftSynth : public CDXiSynthContext,
 
   IEditorWindow* m_editor = nullptr;
   std::atomic<NotifyHandle> m_editorWindow{0};  // the editor's handle, read by StartWorker
-  ComPtr<IMfxInstrument> m_instrument;
+  ComPtr<CInstrument> m_instrument;
 
   std::vector<HostEventRecord> m_pendingEvents;
   VoiceQueue m_voiceQueue;

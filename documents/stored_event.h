@@ -9,6 +9,10 @@
 #include <vector>
 
 #include "documents/short_message.h"
+#include "platform/com.h"
+
+class TiXmlElement;
+class TiXmlNode;
 
 // The contents a new event starts from in the event editors.
 enum class NewEventKind { SystemExclusive, MidiData, Wait, BankProgramChange, ControllerChange };
@@ -62,6 +66,20 @@ class CStoredEvent {
   // The event list's "Type" and "Info" columns.
   std::wstring GetTypeText() const;
   std::wstring GetInfoText() const;
+
+  // --- XML form: one "MIDIMsg" element ------------------------------------------------------
+  // Appends a "MIDIMsg" element to `parent` with "Name", "Description" and "Enabled", then the
+  // strongest payload only: a "Wait" attribute, one "Msg" child per message ("Status", "Data1",
+  // "Data2"), or the sysex as one base64 text child; an empty event is an empty tag. The name is
+  // written as it stands, even when empty. Always S_OK.
+  HRESULT WriteXml(TiXmlNode& parent) const;
+  // Replaces the contents from a "MIDIMsg" element. Accepted forms, first match wins: "Wait"
+  // (any integer, wrapped into the unsigned field); "Status", "Data1", "Data2" on the element
+  // itself; "Msg" children, up to the first one that lacks a number; a base64 text child that
+  // decodes to F0 first, of which only framed sysex bytes are kept. Matching no form leaves an
+  // empty event with its name, description and flag; an absent or bad "Enabled" means
+  // disabled. A pause that is not read keeps its old value. Never fails.
+  void ReadXml(const TiXmlElement& element);
 
   friend bool operator==(const CStoredEvent&, const CStoredEvent&) = default;
 
