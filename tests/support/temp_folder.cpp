@@ -25,7 +25,7 @@ std::wstring TempFolder::Write(std::string_view name, std::string_view bytes) co
 }
 
 std::string TempFolder::Read(std::string_view name) const {
-  std::ifstream file(m_path / name, std::ios::binary);
+  std::ifstream file(m_path / name);  // text mode: the store writes the platform's line endings
   std::ostringstream bytes;
   bytes << file.rdbuf();
   return bytes.str();

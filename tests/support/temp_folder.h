@@ -18,7 +18,7 @@ class TempFolder {
   std::wstring File(std::string_view name) const;
   // Writes `bytes` exactly (no line ending translation) to `name`; returns its full path.
   std::wstring Write(std::string_view name, std::string_view bytes) const;
-  // The bytes of `name`, or empty when it cannot be read.
+  // The text of `name` with the platform's line endings read as "\n"; empty when unreadable.
   std::string Read(std::string_view name) const;
 
  private:
