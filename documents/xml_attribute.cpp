@@ -1,5 +1,6 @@
 #include "documents/xml_attribute.h"
 
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <ostream>
@@ -65,12 +66,33 @@ int TiXmlAttribute::IntValue() const { return std::atoi(value.c_str()); }
 
 double TiXmlAttribute::DoubleValue() const { return std::atof(value.c_str()); }
 
+// Reads as "%d" does (blanks, a sign, digits, anything after ignored), but a number outside 32
+// bits, which a saved file may hold, is refused instead of being undefined.
 int TiXmlAttribute::QueryIntValue(int* out) const {
-  return std::sscanf(value.c_str(), "%d", out) == 1 ? TIXML_SUCCESS : TIXML_WRONG_TYPE;
+  const char* p = value.c_str();
+  while (*p == ' ' || (*p >= '\t' && *p <= '\r')) ++p;
+  const bool negative = *p == '-';
+  if (*p == '-' || *p == '+') ++p;
+  const char* digits = p;
+  std::int64_t number = 0;
+  for (; *p >= '0' && *p <= '9'; ++p) {
+    number = number * 10 + (*p - '0');
+    if (number > std::int64_t{INT32_MAX} + 1) return TIXML_WRONG_TYPE;
+  }
+  if (p == digits) return TIXML_WRONG_TYPE;
+  number = negative ? -number : number;
+  if (number > INT32_MAX) return TIXML_WRONG_TYPE;
+  *out = static_cast<int>(number);
+  return TIXML_SUCCESS;
 }
 
+// strtod where "%lf" would be: a number out of range gives infinity, not undefined behaviour.
 int TiXmlAttribute::QueryDoubleValue(double* out) const {
-  return std::sscanf(value.c_str(), "%lf", out) == 1 ? TIXML_SUCCESS : TIXML_WRONG_TYPE;
+  char* end = nullptr;
+  const double number = std::strtod(value.c_str(), &end);
+  if (end == value.c_str()) return TIXML_WRONG_TYPE;
+  *out = number;
+  return TIXML_SUCCESS;
 }
 
 void TiXmlAttribute::SetIntValue(int number) {

@@ -42,7 +42,8 @@ class TARN_EXPORT TiXmlAttribute : public TiXmlBase {
   // atoi and atof of the value.
   int IntValue() const;
   double DoubleValue() const;
-  // TIXML_SUCCESS and the number, or TIXML_WRONG_TYPE and `out` untouched, as sscanf reads it.
+  // TIXML_SUCCESS and the number, or TIXML_WRONG_TYPE and `out` untouched: leading blanks, a
+  // sign and digits, the rest ignored; an integer outside 32 bits does not read.
   int QueryIntValue(int* out) const;
   int QueryDoubleValue(double* out) const;
   // Store the number as text ("%d", "%lf").

@@ -42,7 +42,7 @@ class TARN_EXPORT TiXmlElement : public TiXmlNode {
     return Attribute(name.c_str(), out);
   }
 
-  // TIXML_SUCCESS and the number, TIXML_NO_ATTRIBUTE, or TIXML_WRONG_TYPE when sscanf does not
+  // TIXML_SUCCESS and the number, TIXML_NO_ATTRIBUTE, or TIXML_WRONG_TYPE when the value does not
   // read one; `out` is untouched unless the result is TIXML_SUCCESS.
   int QueryIntAttribute(const char* name, int* out) const;
   int QueryDoubleAttribute(const char* name, double* out) const;

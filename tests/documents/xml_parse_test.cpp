@@ -222,3 +222,30 @@ TEST(XmlParse, MissingFileIsErrorTwo) {
 }
 
 }  // namespace
+
+namespace {
+
+TEST(XmlAttributeNumbers, ReadLikeScanfButRefuseWhatDoesNotFitThirtyTwoBits) {
+  TiXmlDocument doc;
+  doc.Parse("<E a=\" -12x\" b=\"2147483647\" c=\"-2147483648\" d=\"2147483648\" "
+            "e=\"99999999999999999999\" f=\"+\" g=\"1e999\"/>");
+  const TiXmlElement* e = doc.RootElement();
+  ASSERT_NE(e, nullptr);
+  int n = 7;
+  EXPECT_EQ(e->QueryIntAttribute("a", &n), TIXML_SUCCESS);
+  EXPECT_EQ(n, -12);
+  EXPECT_EQ(e->QueryIntAttribute("b", &n), TIXML_SUCCESS);
+  EXPECT_EQ(n, 2147483647);
+  EXPECT_EQ(e->QueryIntAttribute("c", &n), TIXML_SUCCESS);
+  EXPECT_EQ(n, -2147483647 - 1);
+  for (const char* name : {"d", "e", "f"}) {
+    n = 7;
+    EXPECT_EQ(e->QueryIntAttribute(name, &n), TIXML_WRONG_TYPE) << name;
+    EXPECT_EQ(n, 7) << name;
+  }
+  double x = 0;
+  EXPECT_EQ(e->QueryDoubleAttribute("g", &x), TIXML_SUCCESS);
+  EXPECT_GT(x, 1e308);
+}
+
+}  // namespace
