@@ -29,8 +29,9 @@ class TestInstance {
   HRESULT m_constructed = S_OK;
 };
 
-// An instance connected to a fake host that observes pin changes, with its output enabled on
-// the host's first port and activity going to a recorder. The host's objects outlive the instance.
+// An instance connected to a fake host that observes pin changes, with activity going to a
+// recorder; EnableOutput() chooses the host's first port. The host's objects outlive the
+// instance.
 struct ConnectedRig {
   FakeTempoMap tempoMap;
   FakeTimeConverter timeConverter{kSamplesPerTick};
