@@ -20,6 +20,8 @@ Clock::time_point DeadlineAfter(std::int64_t timeoutMs) {
 }  // namespace
 
 void CAutoResetEvent::Set() {
+  // A burst of posts finds the event still set: nothing to do, and no lock to take for it.
+  if (m_signalled.load(std::memory_order_acquire)) return;
   {
     std::lock_guard lock(m_mutex);
     // Already set: every waiter was woken then, or will find it set. Waking again would only
