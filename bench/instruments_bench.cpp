@@ -100,25 +100,32 @@ struct HostView {
   }
 };
 
+// Asks for the current device's banks and hands each bank's name list to `read`, as a host does.
+template <class Read>
+void ForEachPatchList(IMfxSoftSynth2& synth, Read read) {
+  std::int32_t* banks = nullptr;
+  std::int32_t count = 0;
+  synth.GetBanks(&banks, &count);
+  for (std::int32_t b = 0; b < count; ++b) {
+    ComPtr<IMfxNameList> list;
+    synth.GetPatchNames(banks[b], list.Receive());
+    ComPtr<IMfxNameList2> list2;
+    list2.QueryFrom(list.Get(), IID_IMfxNameList2);
+    read(*list, *list2);
+  }
+  CoTaskMemFree(banks);
+}
+
 // As the program-change dialog does: banks, then each list by index up to its count.
 void BM_HostReadsAllNamesByIndex(benchmark::State& state) {
   HostView view;
-  IMfxSoftSynth2& synth = view.instance.filter();
   char name[260];
   for (auto _ : state) {
-    std::int32_t* banks = nullptr;
-    std::int32_t count = 0;
-    synth.GetBanks(&banks, &count);
-    for (std::int32_t b = 0; b < count; ++b) {
-      ComPtr<IMfxNameList> list;
-      synth.GetPatchNames(banks[b], list.Receive());
-      ComPtr<IMfxNameList2> list2;
-      list2.QueryFrom(list.Get(), IID_IMfxNameList2);
+    ForEachPatchList(view.instance.filter(), [&](IMfxNameList& list, IMfxNameList2& list2) {
       std::int32_t names = 0;
-      list2->GetCount(&names);
-      for (std::int32_t i = 0; i < names; ++i) list->GetNameAt(i, name, sizeof name);
-    }
-    CoTaskMemFree(banks);
+      list2.GetCount(&names);
+      for (std::int32_t i = 0; i < names; ++i) list.GetNameAt(i, name, sizeof name);
+    });
     benchmark::DoNotOptimize(name);
   }
   state.SetItemsProcessed(state.iterations() * kBanks * kPatches);
@@ -127,24 +134,15 @@ BENCHMARK(BM_HostReadsAllNamesByIndex)->Unit(benchmark::kMicrosecond);
 
 void BM_HostWalksAllNames(benchmark::State& state) {
   HostView view;
-  IMfxSoftSynth2& synth = view.instance.filter();
   char name[260];
   for (auto _ : state) {
-    std::int32_t* banks = nullptr;
-    std::int32_t count = 0;
-    synth.GetBanks(&banks, &count);
-    for (std::int32_t b = 0; b < count; ++b) {
-      ComPtr<IMfxNameList> list;
-      synth.GetPatchNames(banks[b], list.Receive());
-      ComPtr<IMfxNameList2> list2;
-      list2.QueryFrom(list.Get(), IID_IMfxNameList2);
+    ForEachPatchList(view.instance.filter(), [&](IMfxNameList&, IMfxNameList2& list2) {
       MfxPosition position = 0;
       std::int32_t key = 0;
-      list2->GetFirstPosition(&position);
-      while (list2->GetNextEntry(&position, &key, name, sizeof name) == S_OK) {
+      list2.GetFirstPosition(&position);
+      while (list2.GetNextEntry(&position, &key, name, sizeof name) == S_OK) {
       }
-    }
-    CoTaskMemFree(banks);
+    });
     benchmark::DoNotOptimize(name);
   }
   state.SetItemsProcessed(state.iterations() * kBanks * kPatches);

@@ -53,9 +53,10 @@ struct BenchRig {
   }
 };
 
-// Hands one message to the instance the way a producer does: posted, or delivered live.
-template <class Produce>
-void HandOff(benchmark::State& state, BenchRig& bench, Produce produce) {
+// Runs `handOff` once per host period, as a host posts at 256 frames and 48 kHz; `handOff`
+// returns the time from the post to its arrival, in microseconds.
+template <class HandOffOnce>
+void PacedHandOffs(benchmark::State& state, HandOffOnce handOff) {
   std::vector<double> micros;
   for (auto _ : state) {
     micros.clear();
@@ -63,15 +64,28 @@ void HandOff(benchmark::State& state, BenchRig& bench, Produce produce) {
     for (int i = 0; i < kHandOffSamples; ++i) {
       next += kHostPeriod;
       std::this_thread::sleep_until(next);
-      const auto t0 = Clock::now();
-      produce();
-      while (bench.sends.load(std::memory_order_acquire) < static_cast<std::uint64_t>(i) + 1) {
-      }
-      const auto t1 = Clock::time_point(Clock::duration(bench.lastSendNs.load()));
-      micros.push_back(std::chrono::duration<double, std::micro>(t1 - t0).count());
+      micros.push_back(handOff());
     }
   }
   ReportLatencies(state, micros);
+}
+
+double MicrosSince(Clock::time_point t0, std::int64_t arrivedNs) {
+  const auto arrived = Clock::time_point(Clock::duration(arrivedNs));
+  return std::chrono::duration<double, std::micro>(arrived - t0).count();
+}
+
+// Hands one message to the instance the way a producer does: posted, or delivered live.
+template <class Produce>
+void HandOff(benchmark::State& state, BenchRig& bench, Produce produce) {
+  PacedHandOffs(state, [&] {
+    const std::uint64_t before = bench.sends.load();
+    const auto t0 = Clock::now();
+    produce();
+    while (bench.sends.load(std::memory_order_acquire) == before) {
+    }
+    return MicrosSince(t0, bench.lastSendNs.load());
+  });
 }
 
 void BM_HandOff_Worker(benchmark::State& state) {
@@ -103,33 +117,24 @@ void BM_HandOff_BareWake(benchmark::State& state) {
       woken.fetch_add(1, std::memory_order_release);
     }
   });
-  std::vector<double> micros;
-  for (auto _ : state) {
-    micros.clear();
-    auto next = Clock::now();
-    for (int i = 0; i < kHandOffSamples; ++i) {
-      next += kHostPeriod;
-      std::this_thread::sleep_until(next);
-      const int before = woken.load();
-      const auto t0 = Clock::now();
-      {
-        std::lock_guard lock(mutex);
-        pending = true;
-      }
-      cv.notify_one();
-      while (woken.load(std::memory_order_acquire) == before) {
-      }
-      const auto t1 = Clock::time_point(Clock::duration(wokeNs.load()));
-      micros.push_back(std::chrono::duration<double, std::micro>(t1 - t0).count());
+  PacedHandOffs(state, [&] {
+    const int before = woken.load();
+    const auto t0 = Clock::now();
+    {
+      std::lock_guard lock(mutex);
+      pending = true;
     }
-  }
+    cv.notify_one();
+    while (woken.load(std::memory_order_acquire) == before) {
+    }
+    return MicrosSince(t0, wokeNs.load());
+  });
   {
     std::lock_guard lock(mutex);
     done = true;
   }
   cv.notify_one();
   sleeper.join();
-  ReportLatencies(state, micros);
 }
 
 // Sends `batch` messages per iteration through `produce(batch)` and waits until all arrived.
