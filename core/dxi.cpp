@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "frame/interfaces.h"
+#include "interfaces/graph_interfaces.h"
 #include "platform/com_ptr.h"
 
 namespace {

@@ -6,8 +6,8 @@
 #include <cstdint>
 #include <deque>
 
-#include "core/host_records.h"
-#include "frame/media_type.h"
+#include "interfaces/host_records.h"
+#include "interfaces/media_type.h"
 #include "platform/com.h"
 #include "platform/lock.h"
 

@@ -12,7 +12,7 @@
 
 #include "core/dxi.h"
 #include "core/filter_pins.h"
-#include "core/ole_interfaces.h"
+#include "interfaces/ole_interfaces.h"
 #include "core/soft_synth.h"
 #include "frame/base_filter.h"
 

@@ -17,15 +17,15 @@
 #include <vector>
 
 #include "core/dxi.h"
-#include "core/mfx_interfaces.h"
-#include "core/my_filter.h"
+#include "interfaces/mfx_interfaces.h"
+#include "interfaces/my_filter.h"
 #include "core/shared_host_ref.h"
 #include "instruments/instrument.h"
 #include "documents/stored_event.h"
 #include "platform/com_ptr.h"
 #include "platform/lock.h"
 #include "platform/notify.h"
-#include "ports/host_midi_ports.h"
+#include "interfaces/host_midi_ports.h"
 
 struct WorkerRun;
 class WorkerThread;

@@ -9,7 +9,7 @@
 #include <mutex>
 #include <vector>
 
-#include "frame/interfaces.h"
+#include "interfaces/graph_interfaces.h"
 #include "frame/media_sample.h"
 #include "frame/unknown.h"
 #include "platform/com_ptr.h"

@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <string>
 
-#include "frame/interfaces.h"
+#include "interfaces/graph_interfaces.h"
 #include "frame/unknown.h"
 #include "platform/com_ptr.h"
 #include "platform/lock.h"

@@ -6,8 +6,8 @@
 #include <string>
 
 #include "frame/base_filter.h"
-#include "frame/interfaces.h"
-#include "frame/media_type.h"
+#include "interfaces/graph_interfaces.h"
+#include "interfaces/media_type.h"
 #include "frame/unknown.h"
 #include "platform/com_ptr.h"
 #include "platform/lock.h"

@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-#include "frame/interfaces.h"
+#include "interfaces/graph_interfaces.h"
 #include "frame/unknown.h"
 
 class CBaseFilter;

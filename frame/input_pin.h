@@ -5,7 +5,7 @@
 #include <cstdint>
 
 #include "frame/base_pin.h"
-#include "frame/interfaces.h"
+#include "interfaces/graph_interfaces.h"
 #include "platform/com_ptr.h"
 
 class CBaseInputPin : public CBasePin, public IMemInputPin {

@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <optional>
 
-#include "frame/interfaces.h"
+#include "interfaces/graph_interfaces.h"
 
 class CMediaSample : public IMediaSample, public ISampleSilence {
  public:

@@ -6,7 +6,7 @@
 #include <cstdint>
 
 #include "frame/base_pin.h"
-#include "frame/seeking_interfaces.h"
+#include "interfaces/seeking_interfaces.h"
 #include "frame/unknown.h"
 
 class CPositionPassThrough final : public CUnknown, public IMediaSeeking, public IMediaPosition {

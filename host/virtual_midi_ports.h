@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "ports/host_midi_ports.h"
+#include "interfaces/host_midi_ports.h"
 
 class CMidiPortListener {
  public:

@@ -23,7 +23,7 @@
 #include <string_view>
 #include <vector>
 
-#include "instruments/mfx_instrument.h"
+#include "interfaces/mfx_instrument.h"
 #include "instruments/string_map.h"
 #include "platform/com_ptr.h"
 #include "platform/lock.h"

@@ -12,7 +12,7 @@
 #include <utility>
 #include <vector>
 
-#include "instruments/mfx_instrument.h"
+#include "interfaces/mfx_instrument.h"
 #include "platform/com_ptr.h"
 
 class CStringMap final : public IMfxNameList2 {

@@ -5,7 +5,7 @@
 #include <thread>
 
 #include "frame/allocator.h"
-#include "frame/media_type.h"
+#include "interfaces/media_type.h"
 #include "frame/unknown.h"
 #include "tests/support/fake_pins.h"
 

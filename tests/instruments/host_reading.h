@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "instruments/mfx_instrument.h"
+#include "interfaces/mfx_instrument.h"
 #include "platform/com_ptr.h"
 
 // The current device's banks, through GetBanks.

@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "frame/interfaces.h"
+#include "interfaces/graph_interfaces.h"
 #include "platform/com_ptr.h"
 
 class FakeGraph final : public IFilterGraph, public IMediaEventSink {

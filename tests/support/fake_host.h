@@ -10,9 +10,9 @@
 #include <string>
 #include <vector>
 
-#include "core/host_interfaces.h"
-#include "core/mfx_interfaces.h"
-#include "ports/host_midi_ports.h"
+#include "interfaces/host_interfaces.h"
+#include "interfaces/mfx_interfaces.h"
+#include "interfaces/host_midi_ports.h"
 #include "tests/support/fake_unknown.h"
 
 using FakeClock = std::chrono::steady_clock;

@@ -12,9 +12,9 @@
 #include <span>
 #include <vector>
 
-#include "frame/interfaces.h"
-#include "frame/media_type.h"
-#include "frame/seeking_interfaces.h"
+#include "interfaces/graph_interfaces.h"
+#include "interfaces/media_type.h"
+#include "interfaces/seeking_interfaces.h"
 #include "platform/com_ptr.h"
 
 // A wave format record with consistent block align and byte rate.

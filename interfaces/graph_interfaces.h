@@ -14,7 +14,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "frame/media_type.h"
+#include "interfaces/media_type.h"
 #include "platform/com.h"
 
 // Media time in units of 100 ns.

@@ -1,4 +1,4 @@
-#include "frame/media_type.h"
+#include "interfaces/media_type.h"
 
 #include <algorithm>
 

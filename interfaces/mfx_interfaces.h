@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "core/host_interfaces.h"
+#include "interfaces/host_interfaces.h"
 #include "platform/com.h"
 
 struct IMfxInstrument;

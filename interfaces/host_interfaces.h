@@ -2,7 +2,7 @@
 // lists and sink it hands over. Operation order is a binary contract.
 #pragma once
 
-#include "core/host_records.h"
+#include "interfaces/host_records.h"
 #include "platform/com.h"
 
 struct IMfxInputPort;

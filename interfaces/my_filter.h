@@ -9,7 +9,7 @@
 
 #include "platform/com.h"
 #include "platform/notify.h"
-#include "ports/host_midi_ports.h"
+#include "interfaces/host_midi_ports.h"
 
 class CStoredEvent;
 class CInstrument;

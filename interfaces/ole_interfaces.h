@@ -5,7 +5,7 @@
 
 #include <cstdint>
 
-#include "frame/interfaces.h"
+#include "interfaces/graph_interfaces.h"
 #include "platform/com.h"
 #include "platform/dispatch.h"
 
