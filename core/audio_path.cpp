@@ -233,8 +233,6 @@ HRESULT CFilter::CheckAudioType(const CMediaType& type, PIN_DIRECTION direction)
   const bool float32 = tag == WAVE_FORMAT_IEEE_FLOAT_TAG && bits == 32;
   const std::uint16_t channels = format->nChannels;
   if ((!pcm16 && !float32) || (channels != 1 && channels != 2)) return VFW_E_TYPE_NOT_ACCEPTED;
-  // Frames are counted by block align: one that is not a whole frame would misplace every copy.
-  if (format->nBlockAlign != channels * bits / 8) return VFW_E_TYPE_NOT_ACCEPTED;
   return direction == PINDIR_INPUT ? IsValidInputFormat(*format) : IsValidOutputFormat(*format);
 }
 

@@ -57,11 +57,9 @@ void MarkSilent(AudioBuffer& buffer) {
 }
 
 void SettleSilence(AudioBuffer& buffer, std::int32_t bytes) {
+  // A sample that can say it is silent keeps its own flag: only Process marks one.
   ComPtr<ISampleSilence> silence;
-  if (SUCCEEDED(silence.QueryFrom(buffer.sample, IID_ISampleSilence))) {
-    silence->SetSilent(1);
-    return;
-  }
+  if (SUCCEEDED(silence.QueryFrom(buffer.sample, IID_ISampleSilence))) return;
   const auto n = std::clamp<std::int64_t>(bytes, 0, RoomIn(buffer));
   std::memset(DataAt(buffer), 0, static_cast<std::size_t>(n));
 }

@@ -45,8 +45,8 @@ std::uint8_t* DataAt(const AudioBuffer& buffer);
 std::uint8_t* WritePosition(AudioBuffer& buffer);
 // [holder] Marks the buffer silent, and its sample too when the sample can say so.
 void MarkSilent(AudioBuffer& buffer);
-// [holder] Makes a silent buffer read as silence when delivered: the sample says so when it can,
-// else `bytes` of its stretch (never past the sample's end) are zeroed.
+// [holder] Makes a silent buffer read as silence when delivered: a sample that cannot say so
+// has `bytes` of its stretch (never past the sample's end) zeroed; one that can is left as it is.
 void SettleSilence(AudioBuffer& buffer, std::int32_t bytes);
 
 using VoiceQueue = std::deque<HostEventRecord>;

@@ -23,7 +23,7 @@ CUnknown* CFilter::CreateInstance(IUnknown* outer, HRESULT* phr) {
 CFilter::CFilter(IUnknown* outer, HRESULT* phr)
     : CExternalHardwareProxyDXi(this),
       CBaseFilter(L"Tarn", outer, static_cast<CDXi*>(this), CLSID_TarnFilter) {
-  m_dxi = this;
+  BindProcessing(*this);
   HRESULT& hr = *phr;
   if (SUCCEEDED(hr) && !HasInstrument()) hr = E_OUTOFMEMORY;
   if (FAILED(hr)) return;
@@ -37,7 +37,7 @@ CFilter::CFilter(IUnknown* outer, HRESULT* phr)
 
 CFilter::~CFilter() {
   EndAllWorkers();  // before any member goes: a worker may still be finishing a batch
-  for (CFilterOutputPin* pin : m_outputPins) pin->NonDelegatingRelease();
+  for (CFilterOutputPin* pin : m_outputPins) pin->ReleaseListReference();
 }
 
 HRESULT CFilter::NonDelegatingQueryInterface(REFIID iid, void** object) {
@@ -80,9 +80,9 @@ HRESULT CFilter::AddOutputPin(const wchar_t* name, std::uint32_t* id) {
   hr = S_OK;
   auto* pin = new (std::nothrow) CFilterOutputPin(this, m_pLock, &hr, name, pinId);
   if (!pin) return E_OUTOFMEMORY;
-  pin->NonDelegatingAddRef();
+  pin->AddListReference();
   if (FAILED(hr)) {
-    pin->NonDelegatingRelease();
+    pin->ReleaseListReference();
     return hr;
   }
   m_outputPins.push_back(pin);
@@ -105,7 +105,7 @@ HRESULT CFilter::RemoveOutputPin(std::uint32_t id) {
   if (FAILED(hr)) return hr;
   CFilterOutputPin* pin = *it;
   m_outputPins.erase(it);
-  pin->NonDelegatingRelease();
+  pin->ReleaseListReference();
   ReportGraphChanged();
   return AnnouncePinCountChange(2, self, newCount);
 }
@@ -116,6 +116,7 @@ HRESULT CFilter::RemoveAllOutputPins() {
   HRESULT hr = AnnouncePinCountChange(1, self, 0);
   if (FAILED(hr)) return hr;
   HRESULT result = S_OK;
+  bool removed = false;
   while (!m_outputPins.empty()) {
     CFilterOutputPin* pin = m_outputPins.front();
     if (pin->IsConnected()) {
@@ -123,8 +124,11 @@ HRESULT CFilter::RemoveAllOutputPins() {
       break;
     }
     m_outputPins.erase(m_outputPins.begin());
-    pin->NonDelegatingRelease();
+    pin->ReleaseListReference();
+    removed = true;
   }
+  // The graph and the observer hear only of an actual change.
+  if (!removed) return result;
   ReportGraphChanged();
   hr = AnnouncePinCountChange(2, self, static_cast<std::int32_t>(m_outputPins.size()));
   return FAILED(result) ? result : hr;

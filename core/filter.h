@@ -56,9 +56,9 @@ class CFilter final : public CSoftSynth,
   // --- the audio path, for the pins -----------------------------------------------------------
   // [graph thread] The checks of an audio type for either direction, in order, each refusing
   // with VFW_E_TYPE_NOT_ACCEPTED: major type audio; no temporal compression; a wave format
-  // record; PCM or extensible at 16 bits, or floating point at 32; one or two channels; a block
-  // align of one frame; then the processing class's input or output test. Only 32-bit floating
-  // point passes them all.
+  // record; PCM or extensible at 16 bits, or floating point at 32; one or two channels; then
+  // the processing class's input or output test. Only 32-bit floating point passes them all.
+  // The block align is not checked: every copy is bounded by both samples' sizes.
   HRESULT CheckAudioType(const CMediaType& type, PIN_DIRECTION direction);
   // [graph thread, instance lock] Asks the graph to reconnect each connected output pin whose
   // type no longer fits the input's; nothing outside a graph.

@@ -88,17 +88,27 @@ HRESULT CFilterOutputPin::NonDelegatingQueryInterface(REFIID iid, void** object)
   return CBaseOutputPin::NonDelegatingQueryInterface(iid, object);
 }
 
-ULONG CFilterOutputPin::NonDelegatingAddRef() { return ++m_refs; }
+ULONG CFilterOutputPin::NonDelegatingAddRef() {
+  m_pFilter->AddRef();
+  return ++m_refs;
+}
 
 // Only the last release takes the pin's lock: the others come from neighbours that may hold
-// locks of their own, and taking ours under theirs would invert the order of a connection.
+// locks of their own, and taking ours under theirs would invert the order of a connection. The
+// filter goes last, as it may go with this release.
 ULONG CFilterOutputPin::NonDelegatingRelease() {
+  CBaseFilter* filter = m_pFilter;
   const ULONG left = --m_refs;
   if (left == 0) {
-    CAutoLock lock(*m_pLock);  // the filter's lock: it outlives the pin
+    CAutoLock lock(*m_pLock);  // the filter's lock: the reference below keeps it
     delete this;
   }
+  filter->Release();
   return left;
+}
+
+void CFilterOutputPin::ReleaseListReference() {
+  if (--m_refs == 0) delete this;
 }
 
 HRESULT CFilterOutputPin::CheckConnect(IPin* pin) {

@@ -51,9 +51,12 @@ class CFilterInputPin final : public CBaseInputPin {
   std::unique_ptr<CPositionPassThrough> m_position;
 };
 
-// An output pin lives by its own reference count, not the filter's: the filter's pin list holds
-// one reference, and the pin is deleted under the pin's lock when the last goes. It connects only while the input is
-// connected, and then only to the input's format or one that the processing class can make of it.
+// An output pin lives by its own reference count, so the filter can drop it from its list while
+// a neighbour still holds it. The list's reference is the only one that does not also hold the
+// filter: a pin held by its peer, or found through FindPin or EnumPins, keeps its filter alive.
+// The pin is deleted under the filter's lock when its last reference goes. It connects only while
+// the input is connected, and then only to the input's format or one that the processing class
+// can make of it.
 class CFilterOutputPin final : public CBaseOutputPin {
  public:
   CFilterOutputPin(CFilter* filter, CCritSec* lock, HRESULT* phr, const wchar_t* name,
@@ -62,8 +65,12 @@ class CFilterOutputPin final : public CBaseOutputPin {
   // [any thread] IMediaPosition and IMediaSeeking through the input pin's pass-through, then
   // the pin's own interfaces.
   HRESULT STDMETHODCALLTYPE NonDelegatingQueryInterface(REFIID iid, void** object) override;
+  // [any thread] Every reference but the list's also holds the filter.
   ULONG STDMETHODCALLTYPE NonDelegatingAddRef() override;
   ULONG STDMETHODCALLTYPE NonDelegatingRelease() override;
+  // [instance lock] The reference of the filter's pin list, which does not hold the filter.
+  void AddListReference() noexcept { ++m_refs; }
+  void ReleaseListReference();
 
   // [graph thread, filter lock] VFW_E_NOT_CONNECTED while the input is not connected.
   HRESULT CheckConnect(IPin* pin) override;

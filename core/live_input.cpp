@@ -7,7 +7,7 @@
 HRESULT CSoftSynth::OnInput(std::uint32_t, IHostDataList* list) {
   if (!list) return E_POINTER;
   CAutoLock lock(InstanceLock());
-  if (!m_tempoMap) return E_UNEXPECTED;
+  if (!m_connection.TempoMap()) return E_UNEXPECTED;
   std::int32_t count = 0;
   HRESULT hr = list->GetItemCount(&count);
   if (FAILED(hr) || count == 0) return hr;
@@ -16,11 +16,10 @@ HRESULT CSoftSynth::OnInput(std::uint32_t, IHostDataList* list) {
     hr = list->GetItem(i, &record);
     if (FAILED(hr)) return hr;
     const ShortMessage message{static_cast<std::uint32_t>(record.time), record.message};
-    PostNotify(m_worker.m_notifyWindow, InputActivityMessage(), ActivityLevel(message), 0);
+    PostNotify(m_worker.NotifyWindow(), InputActivityMessage(), ActivityLevel(message), 0);
     // While the closed-loop test runs, what comes back is counted but must not go out again.
-    if (m_outputEnabled && !m_closedLoopTest) PostToWorker(CStoredEvent::FromMessage(message));
-    CAutoLock counterLock(CounterLock);
-    ++m_inputCount;
+    if (m_ports.OutputEnabled() && !m_closedLoopTest) m_worker.Post(CStoredEvent::FromMessage(message));
+    m_worker.CountInput();
   }
   return hr;
 }

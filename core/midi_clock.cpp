@@ -11,14 +11,15 @@ constexpr std::int32_t kClocksPerQuarter = 24;
 
 void CSoftSynth::SendClockIfDue(std::int64_t position) {
   // The flags are atomics, so this early test costs no lock; the host is checked under it.
-  if (!m_outputEnabled || !m_midiSync) return;
+  if (!m_ports.OutputEnabled() || !m_midiSync) return;
   CAutoLock lock(InstanceLock());
-  if (!m_tempoMap) return;
-  const std::int32_t interval = m_tempoMap->GetTicksPerQuarter() / kClocksPerQuarter;
+  IHostTempoMap* tempoMap = m_connection.TempoMap();
+  if (!tempoMap) return;
+  const std::int32_t interval = tempoMap->GetTicksPerQuarter() / kClocksPerQuarter;
   const std::int32_t now = SamplesToTicks(position);
   // A jump backwards (a loop) sends nothing by itself: counting starts again from there.
   if (now < m_lastClockTick) m_lastClockTick = now;
   if (std::int64_t{now} - m_lastClockTick < interval) return;
-  PostToWorker(CStoredEvent::FromMessage({static_cast<std::uint32_t>(interval), kTimingClock}));
+  m_worker.Post(CStoredEvent::FromMessage({static_cast<std::uint32_t>(interval), kTimingClock}));
   m_lastClockTick = now;
 }

@@ -1,15 +1,48 @@
-// The output worker: producers copy an event onto the queue and signal; one thread per running
-// instance does all the sending, in strict queue order.
+#include "core/output_worker.h"
+
 #include <algorithm>
 
 #include "core/activity.h"
-#include "core/output_worker.h"
+#include "platform/event.h"
+#include "platform/thread.h"
+
+// What one run of the worker owns. Shared between the instance and the thread, so a worker that
+// outlives Stop still touches nothing freed.
+struct WorkerRun {
+  CAutoResetEvent stopEvent;
+  CAutoResetEvent wakeEvent;
+  CAutoResetEvent drainedEvent;  // set after each batch, for waiters that want to know
+  CAutoResetEvent abortEvent;    // set only when the instance goes: cuts a pause short
+  std::atomic<bool> aborted{false};
+  std::atomic<bool> finished{false};
+  std::vector<CStoredEvent> batch;         // reused, so a batch allocates nothing
+  std::vector<std::uint8_t> sysexScratch;  // the overlaid copy of a sysex block, reused
+};
+
+class WorkerThread {
+ public:
+  WorkerThread(COutputWorker& owner, std::shared_ptr<WorkerRun> run) : m_run(std::move(run)) {
+    m_thread.Start([&owner, r = m_run] { owner.WorkerLoop(*r); }, ThreadPriority::Highest);
+  }
+  // Ends the worker at its next wake and cuts any pause short, then waits for it.
+  void End() {
+    m_run->aborted = true;
+    m_run->abortEvent.Set();
+    m_run->stopEvent.Set();
+    m_thread.Join();
+  }
+  bool Finished() const { return m_run->finished.load(); }
+
+ private:
+  std::shared_ptr<WorkerRun> m_run;
+  CThread m_thread;
+};
 
 namespace {
 
 constexpr std::size_t kInitialQueueCapacity = 256;
 
-ShortMessage Rechannel(ShortMessage m, std::uint32_t rechannel) {
+ShortMessage ForceChannel(ShortMessage m, std::uint32_t rechannel) {
   const std::uint8_t status = m.Status();
   if ((status & 0xF0) == 0xF0 || rechannel < 1 || rechannel > 16) return m;
   const auto forced = static_cast<std::uint8_t>((status & 0xF0) | (rechannel - 1));
@@ -33,21 +66,26 @@ HostEventRecord SinkRecord(std::uint32_t message) {
 
 }  // namespace
 
-HRESULT CSoftSynth::PostToWorker(const CStoredEvent& event) {
+COutputWorker::COutputWorker(const CHostConnection& connection, const CPortChoice& ports,
+                             IMfxInputPort* sender)
+    : m_connection(connection), m_ports(ports), m_sender(sender) {}
+
+COutputWorker::~COutputWorker() { EndAll(); }
+
+HRESULT COutputWorker::Post(const CStoredEvent& event) {
   std::shared_ptr<WorkerRun> run;
   {
     CAutoLock lock(m_queueLock);
-    if (!m_worker.run) return E_FAIL;
+    if (!m_run) return E_FAIL;
     m_outputQueue.push_back(event);
-    run = m_worker.run;
+    run = m_run;
   }
   run->wakeEvent.Set();
   return S_OK;
 }
 
-HRESULT CSoftSynth::StartWorker() {
-  CAutoLock lock(InstanceLock());
-  std::erase_if(m_workerThreads, [](const auto& t) {
+void COutputWorker::Start(NotifyHandle window) {
+  std::erase_if(m_threads, [](const auto& t) {
     if (!t->Finished()) return false;
     t->End();
     return true;
@@ -58,42 +96,38 @@ HRESULT CSoftSynth::StartWorker() {
     CAutoLock queueLock(m_queueLock);
     m_outputQueue.clear();
     m_outputQueue.reserve(kInitialQueueCapacity);
-    m_worker.run = run;
+    m_run = run;
   }
-  m_worker.m_notifyWindow = m_editorWindow.load();
-  m_workerThreads.push_back(std::make_unique<WorkerThread>(*this, std::move(run)));
-  return S_OK;
+  m_notifyWindow = window;
+  m_threads.push_back(std::make_unique<WorkerThread>(*this, std::move(run)));
 }
 
 // Does not wait for the thread: a worker asleep in a pause finishes its batch on its own time.
-// The instance joins it at the next start or at destruction.
-HRESULT CSoftSynth::StopWorker() {
-  CAutoLock lock(InstanceLock());
+// It is joined at the next start or at destruction.
+void COutputWorker::Stop() {
   std::shared_ptr<WorkerRun> run;
   {
     CAutoLock queueLock(m_queueLock);
-    if (!m_worker.run) return S_OK;
+    if (!m_run) return;
     m_outputQueue.clear();
-    run = std::exchange(m_worker.run, nullptr);
+    run = std::exchange(m_run, nullptr);
   }
   run->stopEvent.Set();
-  m_worker.m_notifyWindow = 0;
-  return S_OK;
+  m_notifyWindow = 0;
 }
 
-void CSoftSynth::EndAllWorkers() {
-  StopWorker();
-  for (auto& t : m_workerThreads) t->End();
-  m_workerThreads.clear();
+void COutputWorker::EndAll() {
+  Stop();
+  for (auto& t : m_threads) t->End();
+  m_threads.clear();
 }
 
-HRESULT CSoftSynth::SendEnabledEvents() {
-  for (std::size_t i = 0; i < m_events.size(); ++i)
-    if (m_events[i].IsEnabled()) PostToWorker(m_events[i]);
-  return S_OK;
+bool COutputWorker::IsRunning() const {
+  CAutoLock lock(m_queueLock);
+  return m_run != nullptr;
 }
 
-void CSoftSynth::WorkerLoop(WorkerRun& run) {
+void COutputWorker::WorkerLoop(WorkerRun& run) {
   for (;;) {
     const int woken = WaitForEither(run.stopEvent, run.wakeEvent);
     if (woken == 0) break;
@@ -104,23 +138,27 @@ void CSoftSynth::WorkerLoop(WorkerRun& run) {
   run.finished = true;
 }
 
-void CSoftSynth::RunBatch(WorkerRun& run) {
+void COutputWorker::RunBatch(WorkerRun& run) {
   {
     CAutoLock lock(m_queueLock);
     std::swap(m_outputQueue, run.batch);
   }
-  CHostRefReader<IHostMidiPorts> ports(m_midiPorts);
-  CHostRefReader<IHostInputSink> sink(m_inputSink);
+  CHostRefReader<IHostMidiPorts> ports(m_connection.SharedPorts());
+  CHostRefReader<IHostInputSink> sink(m_connection.SharedSink());
   MidiPortHandle handle = 0;
-  if (IHostMidiPorts* p = ports.Current()) p->GetOutputPortHandle(m_outputPortIndex, &handle);
+  if (IHostMidiPorts* p = ports.Current()) p->GetOutputPortHandle(m_ports.OutputIndex(), &handle);
 
-  const bool portUsable = m_outputEnabled && handle != 0;
+  const bool portUsable = m_ports.OutputEnabled() && handle != 0;
   if (sink.Current() || portUsable) {
     for (const CStoredEvent& event : run.batch) {
       if (event.IsWait()) {
+        // Nothing of the host is held while asleep: a Disconnect meanwhile lets it all go.
+        ports.Release();
+        sink.Release();
         if (run.abortEvent.Wait(event.GetWait()) || run.aborted) break;
       } else if (event.IsSysex()) {
-        if (m_outputEnabled && handle != 0) SendSysexEvent(run, event, ports.Current(), handle);
+        if (m_ports.OutputEnabled() && handle != 0)
+          SendSysexEvent(run, event, ports.Current(), handle);
       } else if (event.HasMessages()) {
         SendShortMessages(event, sink.Current(), ports.Current(), handle);
       }
@@ -129,11 +167,11 @@ void CSoftSynth::RunBatch(WorkerRun& run) {
   run.batch.clear();
 }
 
-void CSoftSynth::SendSysexEvent(WorkerRun& run, const CStoredEvent& event, IHostMidiPorts* ports,
-                                MidiPortHandle handle) {
+void COutputWorker::SendSysexEvent(WorkerRun& run, const CStoredEvent& event,
+                                   IHostMidiPorts* ports, MidiPortHandle handle) {
   const auto bytes = event.SysexView();
   run.sysexScratch.assign(bytes.begin(), bytes.end());
-  if (const auto prefix = SysexPrefixSnapshot()) OverlayPrefix(run.sysexScratch, *prefix);
+  if (const auto prefix = Prefix()) OverlayPrefix(run.sysexScratch, *prefix);
   if (ports) {
     CAutoLock lock(SendLock());
     ports->SendSysexMsg(handle, run.sysexScratch.data(),
@@ -143,16 +181,16 @@ void CSoftSynth::SendSysexEvent(WorkerRun& run, const CStoredEvent& event, IHost
   CountAndShowOutput(10);
 }
 
-void CSoftSynth::SendShortMessages(const CStoredEvent& event, IHostInputSink* sink,
-                                   IHostMidiPorts* ports, MidiPortHandle handle) {
+void COutputWorker::SendShortMessages(const CStoredEvent& event, IHostInputSink* sink,
+                                      IHostMidiPorts* ports, MidiPortHandle handle) {
   for (const ShortMessage& stored : event.MessagesView()) {
-    const ShortMessage m = Rechannel(stored, m_rechannel);
+    const ShortMessage m = ForceChannel(stored, m_rechannel);
     HRESULT hr = E_FAIL;
     if (sink) {
       const HostEventRecord record = SinkRecord(m.message);
-      hr = sink->OnSinkEvent(InputPortFacet(), &record);
+      hr = sink->OnSinkEvent(m_sender, &record);
     }
-    if (ports && m_outputEnabled && handle != 0) {
+    if (ports && m_ports.OutputEnabled() && handle != 0) {
       CAutoLock lock(SendLock());
       hr = ports->SendShortMsg(handle, m.message);  // the port's answer replaces the sink's
     }
@@ -160,20 +198,32 @@ void CSoftSynth::SendShortMessages(const CStoredEvent& event, IHostInputSink* si
   }
 }
 
-void CSoftSynth::CountAndShowOutput(std::uint32_t level) {
+void COutputWorker::CountAndShowOutput(std::uint32_t level) {
   {
     CAutoLock lock(CounterLock);
     ++m_outputCount;
   }
-  PostNotify(m_worker.m_notifyWindow, OutputActivityMessage(), level, 0);
+  PostNotify(m_notifyWindow, OutputActivityMessage(), level, 0);
 }
 
-std::shared_ptr<const std::vector<std::uint8_t>> CSoftSynth::SysexPrefixSnapshot() const {
+void COutputWorker::CountInput() {
+  CAutoLock lock(CounterLock);
+  ++m_inputCount;
+}
+
+void COutputWorker::Counters(std::uint32_t& received, std::uint32_t& sent, bool clear) {
+  CAutoLock lock(CounterLock);
+  received = m_inputCount;
+  sent = m_outputCount;
+  if (clear) m_inputCount = m_outputCount = 0;
+}
+
+std::shared_ptr<const std::vector<std::uint8_t>> COutputWorker::Prefix() const {
   std::lock_guard lock(m_prefixLock);
   return m_sysexPrefix;
 }
 
-void CSoftSynth::ReplaceSysexPrefix(std::vector<std::uint8_t> bytes) {
+void COutputWorker::SetPrefix(std::vector<std::uint8_t> bytes) {
   auto snapshot = std::make_shared<const std::vector<std::uint8_t>>(std::move(bytes));
   std::lock_guard lock(m_prefixLock);
   m_sysexPrefix = std::move(snapshot);

@@ -1,42 +1,89 @@
-// The output worker's own state, private to the core: what one run owns, and its thread.
+// The output worker: producers copy an event onto the queue and signal; one thread per running
+// instance does all the sending, in strict queue order, to the host's sink and the chosen port.
+// It owns what only sending needs: the queue, the threads, the forced channel, the sysex
+// prefix, the traffic counters and the window that activity is posted to.
 #pragma once
 
 #include <atomic>
+#include <cstdint>
 #include <memory>
+#include <mutex>
 #include <vector>
 
-#include "core/soft_synth.h"
-#include "platform/event.h"
-#include "platform/thread.h"
+#include "core/host_connection.h"
+#include "documents/stored_event.h"
+#include "interfaces/mfx_interfaces.h"
+#include "platform/lock.h"
+#include "platform/notify.h"
+#include "ports/port_choice.h"
 
-// What one run of the worker owns. Shared between the instance and the thread, so a worker that
-// outlives StopWorker still touches nothing freed.
-struct WorkerRun {
-  CAutoResetEvent stopEvent;
-  CAutoResetEvent wakeEvent;
-  CAutoResetEvent drainedEvent;   // set after each batch, for waiters that want to know
-  CAutoResetEvent abortEvent;     // set only when the instance goes: cuts a pause short
-  std::atomic<bool> aborted{false};
-  std::atomic<bool> finished{false};
-  std::vector<CStoredEvent> batch;          // reused, so a batch allocates nothing
-  std::vector<std::uint8_t> sysexScratch;   // the overlaid copy of a sysex block, reused
-};
+struct WorkerRun;
+class WorkerThread;
 
-class WorkerThread {
+class COutputWorker {
  public:
-  WorkerThread(CSoftSynth& owner, std::shared_ptr<WorkerRun> run) : m_run(std::move(run)) {
-    m_thread.Start([&owner, r = m_run] { owner.WorkerLoop(*r); }, ThreadPriority::Highest);
-  }
-  // Ends the worker at its next wake and cuts any pause short, then waits for it.
-  void End() {
-    m_run->aborted = true;
-    m_run->abortEvent.Set();
-    m_run->stopEvent.Set();
-    m_thread.Join();
-  }
-  bool Finished() const { return m_run->finished.load(); }
+  // `connection` and `ports` outlive the worker; `sender` is handed to the sink with each message.
+  COutputWorker(const CHostConnection& connection, const CPortChoice& ports,
+                IMfxInputPort* sender);
+  // Ends every worker thread still alive, cutting a pause short.
+  ~COutputWorker();
+  COutputWorker(const COutputWorker&) = delete;
+  COutputWorker& operator=(const COutputWorker&) = delete;
+
+  // [any thread] Queues a deep copy and wakes the worker. E_FAIL, and the event is lost, while
+  // the worker does not run.
+  HRESULT Post(const CStoredEvent& event);
+  // [graph thread, instance lock] Empties the queue and starts a worker at the highest
+  // priority, posting activity to `window`.
+  void Start(NotifyHandle window);
+  // [graph thread, instance lock] Drops what is queued and asks the worker to end. Returns at
+  // once: a worker inside a batch finishes that batch, pauses included, then ends.
+  void Stop();
+  // [destruction] Stops the worker and waits for every worker thread, cutting pauses short.
+  void EndAll();
+  // [any thread] True from Start to Stop.
+  bool IsRunning() const;
+
+  // [editor thread] Where activity goes from now on; 0 for nowhere.
+  void SetNotifyWindow(NotifyHandle window) noexcept { m_notifyWindow = window; }
+  NotifyHandle NotifyWindow() const noexcept { return m_notifyWindow; }
+  // [any thread] The forced channel: 1 to 16 force it, anything else leaves messages alone.
+  void SetRechannel(std::uint32_t channel) noexcept { m_rechannel = channel; }
+  std::uint32_t Rechannel() const noexcept { return m_rechannel; }
+  // [any thread] The bytes laid over the start of every system exclusive block sent. Readers
+  // get an immutable snapshot, so a new prefix never changes a block being sent.
+  void SetPrefix(std::vector<std::uint8_t> bytes);
+  std::shared_ptr<const std::vector<std::uint8_t>> Prefix() const;
+  // [host thread] One more message came in.
+  void CountInput();
+  // [any thread] Messages in and out since the last clear; `clear` zeroes both.
+  void Counters(std::uint32_t& received, std::uint32_t& sent, bool clear);
 
  private:
-  std::shared_ptr<WorkerRun> m_run;
-  CThread m_thread;
+  friend class WorkerThread;
+  void WorkerLoop(WorkerRun& run);
+  void RunBatch(WorkerRun& run);
+  void SendSysexEvent(WorkerRun& run, const CStoredEvent& event, IHostMidiPorts* ports,
+                      MidiPortHandle handle);
+  void SendShortMessages(const CStoredEvent& event, IHostInputSink* sink, IHostMidiPorts* ports,
+                         MidiPortHandle handle);
+  void CountAndShowOutput(std::uint32_t level);
+
+  const CHostConnection& m_connection;
+  const CPortChoice& m_ports;
+  IMfxInputPort* const m_sender;
+
+  mutable CCritSec m_queueLock;  // guards the queue and the current run
+  std::vector<CStoredEvent> m_outputQueue;  // a FIFO drained whole by the worker
+  std::shared_ptr<WorkerRun> m_run;         // non-null while the worker runs
+  std::vector<std::unique_ptr<WorkerThread>> m_threads;  // every worker not yet joined
+
+  std::atomic<NotifyHandle> m_notifyWindow{0};
+  std::atomic<std::uint32_t> m_rechannel{0};
+  mutable std::mutex m_prefixLock;  // guards the pointer; the bytes behind it never change
+  std::shared_ptr<const std::vector<std::uint8_t>> m_sysexPrefix;
+
+  CCritSec CounterLock;
+  std::uint32_t m_outputCount = 0;
+  std::uint32_t m_inputCount = 0;
 };

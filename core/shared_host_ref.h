@@ -42,16 +42,23 @@ class CHostRefReader {
  public:
   explicit CHostRefReader(const CSharedHostRef<T>& shared) : m_shared(shared) { Refresh(); }
   T* Current() {
-    if (m_shared.Version() != m_version) Refresh();
+    if (m_stale || m_shared.Version() != m_version) Refresh();
     return m_ref.Get();
+  }
+  // Lets go of the copy until the next Current(), as before a long wait.
+  void Release() {
+    m_ref.Reset();
+    m_stale = true;
   }
 
  private:
   void Refresh() {
     m_version = m_shared.Version();
     m_ref = m_shared.Get();
+    m_stale = false;
   }
   const CSharedHostRef<T>& m_shared;
   ComPtr<T> m_ref;
   std::uint32_t m_version = 0;
+  bool m_stale = false;
 };

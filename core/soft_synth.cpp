@@ -1,35 +1,55 @@
 #include "core/soft_synth.h"
 
-#include <algorithm>
+#include <cstring>
 #include <cwchar>
 #include <new>
 
-#include "core/activity.h"
-#include "core/output_worker.h"
 #include "platform/codepage.h"
 
-CSoftSynth::CSoftSynth() : m_instrument(new (std::nothrow) CInstrument()) {}
+CSoftSynth::CSoftSynth()
+    : m_worker(m_connection, m_ports, static_cast<IMfxInputPort*>(this)),
+      m_instrument(new (std::nothrow) CInstrument()) {}
 
-// Workers are ended by the most derived class, while the instance lock still stands.
-CSoftSynth::~CSoftSynth() = default;
+// Workers are ended by the most derived class, while the instance lock still stands. The host
+// references go before the instrument, in the order a Disconnect releases them.
+CSoftSynth::~CSoftSynth() {
+  m_connection.Disconnect();
+  m_instrument.Reset();
+}
+
+void CSoftSynth::BindProcessing(CExternalHardwareProxyDXi& processing) noexcept {
+  m_dxi = &processing;
+  m_eventLine.Bind(processing);
+}
+
+// --- output worker ----------------------------------------------------------------------------
+
+HRESULT CSoftSynth::PostToWorker(const CStoredEvent& event) { return m_worker.Post(event); }
+
+HRESULT CSoftSynth::StartWorker() {
+  CAutoLock lock(InstanceLock());
+  m_worker.Start(m_editorWindow.load());
+  return S_OK;
+}
+
+HRESULT CSoftSynth::StopWorker() {
+  CAutoLock lock(InstanceLock());
+  m_worker.Stop();
+  return S_OK;
+}
+
+HRESULT CSoftSynth::SendEnabledEvents() {
+  m_events.ForEachEnabled([this](const CStoredEvent& event) { m_worker.Post(event); });
+  return S_OK;
+}
 
 // --- connection ---------------------------------------------------------------------------
 
 HRESULT CSoftSynth::Connect(IUnknown* context) {
-  HRESULT hr = E_UNEXPECTED;
+  HRESULT hr;
   {
     CAutoLock lock(InstanceLock());
-    if (!m_connected) {
-      hr = m_tempoMap.QueryFrom(context, IID_IHostTempoMap);
-      if (SUCCEEDED(hr)) {
-        m_timeConverter.QueryFrom(context, IID_IHostTimeConverter);
-        m_connected = 1;
-        m_pinObserver.QueryFrom(context, IID_IHostPinObserver);
-        ComPtr<IHostMidiPorts> ports;
-        ports.QueryFrom(context, IID_IHostMidiPorts);
-        m_midiPorts.Set(std::move(ports));
-      }
-    }
+    hr = m_connection.Connect(context);
   }
   // Hosts lend the context and count on this release; it is part of the contract.
   if (context) context->Release();
@@ -38,66 +58,134 @@ HRESULT CSoftSynth::Connect(IUnknown* context) {
 
 HRESULT CSoftSynth::Disconnect() {
   CAutoLock lock(InstanceLock());
-  m_tempoMap.Reset();
-  m_timeConverter.Reset();
-  m_inputSink.Set(nullptr);
-  m_pinObserver.Reset();
-  m_midiPorts.Set(nullptr);
-  m_connected = 0;
+  m_connection.Disconnect();
   return S_OK;
 }
 
 HRESULT CSoftSynth::AnnouncePinCountChange(std::int32_t phase, IUnknown* filter,
                                            std::int32_t count) {
   CAutoLock lock(InstanceLock());
-  if (!m_connected) return S_OK;
-  if (!m_pinObserver) return E_FAIL;
-  return m_pinObserver->OnPinCountChange(phase, filter, count);
+  return m_connection.AnnouncePinCountChange(phase, filter, count);
 }
-
-// --- time conversion ------------------------------------------------------------------------
 
 std::int64_t CSoftSynth::TicksToSamples(std::int32_t ticks) {
   CAutoLock lock(InstanceLock());
-  if (m_timeConverter) {
-    // A tick value fills only the low word.
-    HostTimeValue time{HostTimeValue::kTicks, 0, static_cast<std::uint32_t>(ticks)};
-    m_timeConverter->ConvertTime(&time, HostTimeValue::kSamples);
-    return time.value;
-  }
-  if (m_tempoMap) {
-    const std::int64_t ms = m_tempoMap->TicksToMsecs(ticks);
-    return ms * m_dxi->GetInputFormat()->nSamplesPerSec / 1000;
-  }
-  return 0;
+  return m_connection.TicksToSamples(ticks, SampleRate());
 }
 
 std::int32_t CSoftSynth::SamplesToTicks(std::int64_t samples) {
   CAutoLock lock(InstanceLock());
-  if (m_timeConverter) {
-    HostTimeValue time{HostTimeValue::kSamples, 0, samples};
-    m_timeConverter->ConvertTime(&time, HostTimeValue::kTicks);
-    return static_cast<std::int32_t>(time.value);
+  return m_connection.SamplesToTicks(samples, SampleRate());
+}
+
+// --- transport and the sequenced line ---------------------------------------------------------
+
+HRESULT CSoftSynth::OnStart(std::int32_t tick) {
+  CAutoLock lock(InstanceLock());
+  m_eventLine.Start(TicksToSamples(tick));
+  m_lastClockTick = 0;
+  return S_OK;
+}
+
+HRESULT CSoftSynth::OnLoop(std::int32_t from, std::int32_t to) {
+  CAutoLock lock(InstanceLock());
+  m_eventLine.Loop(TicksToSamples(to) - TicksToSamples(from));
+  return S_OK;
+}
+
+HRESULT CSoftSynth::OnStop(std::uint32_t) {
+  CAutoLock lock(InstanceLock());
+  m_eventLine.Stop();
+  return S_OK;
+}
+
+HRESULT CSoftSynth::OnEvents(std::uint32_t, std::uint32_t, std::int32_t channelKey,
+                             IHostEventList* list) {
+  CAutoLock lock(InstanceLock());
+  if (!m_connection.TempoMap()) return E_UNEXPECTED;
+  if (!list) return E_POINTER;
+  std::int32_t count = 0;
+  HRESULT hr = list->GetItemCount(&count);
+  if (FAILED(hr)) return hr;
+  for (std::int32_t i = 0; i < count; ++i) {
+    HostEventRecord record{};
+    hr = list->GetItem(i, &record);
+    if (FAILED(hr)) return hr;
+    hr = m_eventLine.Queue(record, TicksToSamples(record.time), channelKey);
+    if (FAILED(hr)) return hr;
   }
-  const std::uint32_t rate = m_dxi->GetInputFormat()->nSamplesPerSec;
-  if (!m_tempoMap || rate == 0) return 0;  // no rate before a format is set: no time at all
-  // Split so that no position, however far, overflows on its way to milliseconds.
-  const std::int64_t ms = samples / rate * 1000 + samples % rate * 1000 / rate;
-  return m_tempoMap->MsecsToTicks(static_cast<std::int32_t>(ms));
+  return S_OK;
+}
+
+HRESULT CSoftSynth::OnNotify(const void* message) {
+  if (!message) return S_OK;
+  ChannelStateMessage m;
+  std::memcpy(&m, message, sizeof m);  // the host's record need not be aligned
+  if (m.kind > ChannelStateMessage::kKeyOffset2) return S_OK;
+  CAutoLock lock(InstanceLock());
+  m_eventLine.Notify(m);
+  return S_OK;
+}
+
+HRESULT CSoftSynth::RunEventWindow(std::int32_t frames) {
+  CAutoLock lock(InstanceLock());
+  return m_eventLine.WindowPass(frames);
+}
+
+HRESULT CSoftSynth::FlushVoices(std::int32_t force) {
+  CAutoLock lock(InstanceLock());
+  return m_eventLine.FlushPass(force);
+}
+
+HRESULT CSoftSynth::RunSegment(std::int64_t position, AudioBuffer* input, AudioBuffer* outputs,
+                               std::int32_t outputCount, std::int32_t frames,
+                               HRESULT& processed) {
+  CAutoLock lock(InstanceLock());
+  const HRESULT hr = m_eventLine.WindowPass(frames);
+  if (FAILED(hr)) return hr;
+  processed = m_eventLine.Process(position, input, outputs, outputCount);
+  m_eventLine.Advance(frames);
+  return m_eventLine.FlushPass(0);
+}
+
+HRESULT CSoftSynth::ProcessAt(std::int64_t position, AudioBuffer* input, AudioBuffer* outputs,
+                              std::int32_t outputCount) {
+  CAutoLock lock(InstanceLock());
+  return m_eventLine.Process(position, input, outputs, outputCount);
+}
+
+void CSoftSynth::AdvanceStream(std::int32_t frames) {
+  CAutoLock lock(InstanceLock());
+  m_eventLine.Advance(frames);
+}
+
+std::vector<HostEventRecord> CSoftSynth::PendingEvents() {
+  CAutoLock lock(InstanceLock());
+  return m_eventLine.PendingEvents();
+}
+
+std::vector<HostEventRecord> CSoftSynth::Voices() {
+  CAutoLock lock(InstanceLock());
+  return m_eventLine.Voices();
+}
+
+std::optional<ChannelState> CSoftSynth::ChannelStateOf(std::int32_t channelKey) {
+  CAutoLock lock(InstanceLock());
+  return m_eventLine.ChannelStateOf(channelKey);
 }
 
 // --- IMfxInputPort ------------------------------------------------------------------------
 
 HRESULT CSoftSynth::SetInputSink(IHostInputSink* sink) {
   CAutoLock lock(InstanceLock());
-  m_inputSink.Set(ComPtr<IHostInputSink>(sink));
+  m_connection.SetSink(sink);
   return S_OK;
 }
 
 HRESULT CSoftSynth::GetInputSink(IHostInputSink** sink) {
   if (!sink) return E_POINTER;
   CAutoLock lock(InstanceLock());
-  *sink = m_inputSink.Get().Detach();
+  *sink = m_connection.Sink().Detach();
   return *sink ? S_OK : S_FALSE;
 }
 
@@ -107,31 +195,44 @@ HRESULT CSoftSynth::SetEditorWindow(IEditorWindow* editor) {
   m_editor = editor;
   const NotifyHandle window = editor ? editor->WindowHandle() : 0;
   m_editorWindow = window;
-  m_worker.m_notifyWindow = window;
+  m_worker.SetNotifyWindow(window);
   return S_OK;
 }
 
 HRESULT CSoftSynth::GetPorts(IHostMidiPorts** ports) {
   if (!ports) return E_POINTER;
-  *ports = m_midiPorts.Get().Detach();
+  *ports = m_connection.Ports().Detach();
   return *ports ? S_OK : E_POINTER;
 }
 
+HRESULT CSoftSynth::SelectPort(CPortChoice::Direction direction, const std::wstring& name) {
+  return m_ports.Select(m_connection.Ports().Get(), direction, name);
+}
+
+HRESULT CSoftSynth::SelectInputPort(std::wstring name) {
+  return SelectPort(CPortChoice::Direction::Input, name);
+}
+
+HRESULT CSoftSynth::SelectOutputPort(std::wstring name) {
+  return SelectPort(CPortChoice::Direction::Output, name);
+}
+
 HRESULT CSoftSynth::SetOutputRechannel(std::uint32_t channel) {
-  m_rechannel = channel;
+  m_worker.SetRechannel(channel);
   return S_OK;
 }
 
 HRESULT CSoftSynth::GetInputPortIndex(std::int32_t* index) {
   if (!index) return E_POINTER;
-  if (m_inputPortIndex == -1) return E_FAIL;
-  *index = m_inputPortIndex;
+  const std::int32_t current = m_ports.InputIndex();
+  if (current == -1) return E_FAIL;
+  *index = current;
   return S_OK;
 }
 
 HRESULT CSoftSynth::GetOutputPortIndex(std::int32_t* index) {
   if (!index) return E_POINTER;
-  const std::int32_t current = m_outputPortIndex;
+  const std::int32_t current = m_ports.OutputIndex();
   if (current == -1) return E_FAIL;
   *index = current;
   return S_OK;
@@ -139,16 +240,12 @@ HRESULT CSoftSynth::GetOutputPortIndex(std::int32_t* index) {
 
 HRESULT CSoftSynth::GetOutputRechannel(std::uint32_t* channel) {
   if (!channel) return E_POINTER;
-  *channel = m_rechannel;
+  *channel = m_worker.Rechannel();
   return S_OK;
 }
 
 HRESULT CSoftSynth::SetOutputEnabled(std::int32_t enabled) {
-  m_outputEnabled = enabled != 0;
-  if (!enabled) {
-    m_outputPortName.clear();
-    m_outputPortIndex = -1;
-  }
+  m_ports.SetOutputEnabled(enabled != 0);
   return S_OK;
 }
 
@@ -167,28 +264,25 @@ HRESULT CSoftSynth::GetMIDISync(std::int32_t* enabled) {
 
 HRESULT CSoftSynth::GetEventCount(std::uint32_t* count) {
   if (!count) return E_POINTER;
-  *count = static_cast<std::uint32_t>(m_events.size());
+  *count = static_cast<std::uint32_t>(m_events.Count());
   return S_OK;
 }
 
 HRESULT CSoftSynth::GetEvent(std::uint32_t index, CStoredEvent** event) {
   if (!event) return E_POINTER;
-  if (index >= m_events.size()) return E_FAIL;
-  *event = &m_events[index];
+  CStoredEvent* found = m_events.At(index);
+  if (!found) return E_FAIL;
+  *event = found;
   return S_OK;
 }
 
 HRESULT CSoftSynth::InsertEvent(std::uint32_t index, const CStoredEvent* event) {
   if (!event) return E_POINTER;
-  if (index > m_events.size()) return E_FAIL;
-  m_events.insert(m_events.begin() + index, *event);
-  return S_OK;
+  return m_events.Insert(index, *event) ? S_OK : E_FAIL;
 }
 
 HRESULT CSoftSynth::RemoveEvent(std::uint32_t index) {
-  if (index >= m_events.size()) return E_FAIL;
-  m_events.erase(m_events.begin() + index);
-  return S_OK;
+  return m_events.Remove(index) ? S_OK : E_FAIL;
 }
 
 HRESULT CSoftSynth::GetInstrumentObject(CInstrument** instrument) {
@@ -199,7 +293,7 @@ HRESULT CSoftSynth::GetInstrumentObject(CInstrument** instrument) {
 
 HRESULT CSoftSynth::SendEvent(const CStoredEvent* event) {
   if (!event) return E_POINTER;
-  return PostToWorker(*event);
+  return m_worker.Post(*event);
 }
 
 // --- IMyFilter: sysex prefix ---------------------------------------------------------------
@@ -208,28 +302,29 @@ HRESULT CSoftSynth::SendEvent(const CStoredEvent* event) {
 // past the prefix.
 HRESULT CSoftSynth::GetSysexPrefixByte(std::uint8_t* value, std::int32_t index) {
   if (!value) return E_POINTER;
-  const auto prefix = SysexPrefixSnapshot();
-  if (!prefix || index < 0 || static_cast<std::size_t>(index) >= prefix->size()) return E_INVALIDARG;
+  const auto prefix = m_worker.Prefix();
+  if (!prefix || index < 0 || static_cast<std::size_t>(index) >= prefix->size())
+    return E_INVALIDARG;
   *value = (*prefix)[static_cast<std::size_t>(index)];
   return S_OK;
 }
 
 HRESULT CSoftSynth::GetSysexPrefixLength(std::uint32_t* length) {
   if (!length) return E_POINTER;
-  const auto prefix = SysexPrefixSnapshot();
+  const auto prefix = m_worker.Prefix();
   *length = prefix ? static_cast<std::uint32_t>(prefix->size()) : 0;
   return S_OK;
 }
 
 HRESULT CSoftSynth::AssignSysexPrefix(std::vector<std::uint8_t> bytes) {
-  ReplaceSysexPrefix(std::move(bytes));
+  m_worker.SetPrefix(std::move(bytes));
   return S_OK;
 }
 
 // The new bytes are copied before the old prefix goes, so `bytes` may point into it.
 HRESULT CSoftSynth::SetSysexPrefix(const std::uint8_t* bytes, std::uint32_t count) {
   if (count && !bytes) return E_POINTER;
-  ReplaceSysexPrefix(std::vector<std::uint8_t>(bytes, bytes + count));
+  m_worker.SetPrefix(std::vector<std::uint8_t>(bytes, bytes + count));
   return S_OK;
 }
 
@@ -239,28 +334,20 @@ HRESULT CSoftSynth::OpenClosedLoopTest(NotifyHandle) { return S_OK; }
 
 HRESULT CSoftSynth::IsOutputActive(std::uint8_t* active) {
   if (!active) return E_POINTER;
-  bool running;
-  {
-    CAutoLock lock(m_queueLock);
-    running = m_worker.run != nullptr;
-  }
-  *active = running && m_outputEnabled ? 1 : 0;
+  *active = m_worker.IsRunning() && m_ports.OutputEnabled() ? 1 : 0;
   return S_OK;
 }
 
 HRESULT CSoftSynth::GetEventCounters(std::uint32_t* received, std::uint32_t* sent,
                                      std::uint8_t clear) {
   if (!received || !sent) return E_POINTER;
-  CAutoLock lock(CounterLock);
-  *received = m_inputCount;
-  *sent = m_outputCount;
-  if (clear) m_inputCount = m_outputCount = 0;
+  m_worker.Counters(*received, *sent, clear != 0);
   return S_OK;
 }
 
 HRESULT CSoftSynth::SendTestMessage(std::uint32_t message) {
-  if (!m_outputEnabled) return E_FAIL;
-  return PostToWorker(CStoredEvent::FromMessage({0, message}));
+  if (!m_ports.OutputEnabled()) return E_FAIL;
+  return m_worker.Post(CStoredEvent::FromMessage({0, message}));
 }
 
 HRESULT CSoftSynth::SetClosedLoopTest(std::uint8_t running) {
@@ -274,7 +361,7 @@ HRESULT CSoftSynth::SendSysexData(std::uint32_t, const std::uint8_t* bytes, std:
   if (length && !bytes) return E_POINTER;
   CStoredEvent event;
   event.SetSysex(std::vector<std::uint8_t>(bytes, bytes + length));
-  PostToWorker(event);  // a post while stopped is lost, quietly
+  m_worker.Post(event);  // a post while stopped is lost, quietly
   return S_OK;
 }
 
@@ -303,8 +390,8 @@ HRESULT CSoftSynth::GetDeviceSummary(wchar_t* name, std::int32_t nameCapacity, w
   if (m_instrument && SUCCEEDED(m_instrument->GetInstrumentName(device, sizeof device)) &&
       !CopyWithTerminator(NarrowToWide(device), name, nameCapacity))
     return E_FAIL;
-  if (!CopyWithTerminator(m_outputPortName, port, portCapacity)) return E_FAIL;
-  *rechannel = m_rechannel;
+  if (!CopyWithTerminator(m_ports.OutputName(), port, portCapacity)) return E_FAIL;
+  *rechannel = m_worker.Rechannel();
   return S_OK;
 }
 

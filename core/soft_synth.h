@@ -1,6 +1,7 @@
-// The soft-synth side of an instance: host connection, transport and events, live input, the
-// output worker that does all sending, and the private interfaces. CFilter composes it with the
-// processing class and the filter frame.
+// The soft-synth side of an instance: the face that the host and the editor see, over parts that
+// each own one concern and its locking: the host connection, the event line, the output worker,
+// the port choice and the stored event list. CFilter composes it with the processing class and
+// the filter frame.
 //
 // Threads: host threads call the Mfx interfaces under the instance lock; the streaming thread
 // runs the event window and the clock under it; the output worker sends without it; the editor
@@ -17,24 +18,17 @@
 #include <vector>
 
 #include "core/dxi.h"
+#include "core/event_line.h"
+#include "core/host_connection.h"
+#include "core/output_worker.h"
+#include "documents/stored_event_list.h"
+#include "instruments/instrument.h"
 #include "interfaces/mfx_interfaces.h"
 #include "interfaces/my_filter.h"
-#include "core/shared_host_ref.h"
-#include "instruments/instrument.h"
-#include "documents/stored_event.h"
 #include "platform/com_ptr.h"
 #include "platform/lock.h"
 #include "platform/notify.h"
-#include "interfaces/host_midi_ports.h"
-
-struct WorkerRun;
-class WorkerThread;
-
-// The worker's block. `run` stands for the thread: non-null while the worker runs.
-struct WorkerBlock {
-  std::shared_ptr<WorkerRun> run;
-  std::atomic<NotifyHandle> m_notifyWindow{0};
-};
+#include "ports/port_choice.h"
 
 class CSoftSynth : public CDXiSynthContext,
                    public IMfxSoftSynth2,
@@ -163,19 +157,17 @@ class CSoftSynth : public CDXiSynthContext,
   std::optional<ChannelState> ChannelStateOf(std::int32_t channelKey);
 
  protected:
-  // The instance lock: the processing class's critical section, set once CFilter is built.
+  // The instance lock: the processing class's critical section.
   CCritSec& InstanceLock() noexcept { return *m_dxi; }
+  // [construction] The processing part of the same object, once CFilter has built it.
+  void BindProcessing(CExternalHardwareProxyDXi& processing) noexcept;
   // False when the device store could not be made, which fails the construction.
   bool HasInstrument() const noexcept { return static_cast<bool>(m_instrument); }
-  // [instance lock] Tells the host's pin observer of a change of the output pin count: phase 1
-  // before, which a negative answer refuses, phase 2 after. Skipped while not connected; E_FAIL
-  // when connected to a host without an observer.
+  // [instance lock] See CHostConnection::AnnouncePinCountChange.
   HRESULT AnnouncePinCountChange(std::int32_t phase, IUnknown* filter, std::int32_t count);
   // [destruction] Stops the worker and waits for every worker thread, cutting pauses short.
   // The most derived class calls it first thing in its destructor, while every member stands.
-  void EndAllWorkers();
-  // The facet handed to the sink as the sender.
-  IMfxInputPort* InputPortFacet() noexcept { return this; }
+  void EndAllWorkers() { m_worker.EndAll(); }
   // [streaming thread] One segment of `frames` frames from sample `position`, under one hold of
   // the instance lock: the event window, Process (its answer in `processed`), the stream
   // position moved on, a flush of the voices. The window's or the flush's failure, else 0.
@@ -186,72 +178,24 @@ class CSoftSynth : public CDXiSynthContext,
   HRESULT ProcessAt(std::int64_t position, AudioBuffer* input, AudioBuffer* outputs,
                     std::int32_t outputCount);
   // [streaming thread, instance lock] Moves the stream position on by `frames`.
-  void AdvanceStream(std::int32_t frames) noexcept { m_streamSample += frames; }
-
-  // The processing part of the same object; set by CFilter once its bases stand.
-  CExternalHardwareProxyDXi* m_dxi = nullptr;
+  void AdvanceStream(std::int32_t frames);
 
  private:
-  friend class WorkerThread;
-  HRESULT SelectPort(bool input, std::wstring name);
-  void WorkerLoop(WorkerRun& run);
-  void RunBatch(WorkerRun& run);
-  void SendSysexEvent(WorkerRun& run, const CStoredEvent& event, IHostMidiPorts* ports,
-                      MidiPortHandle handle);
-  void SendShortMessages(const CStoredEvent& event, IHostInputSink* sink, IHostMidiPorts* ports,
-                         MidiPortHandle handle);
-  void CountAndShowOutput(std::uint32_t level);
-  std::shared_ptr<const std::vector<std::uint8_t>> SysexPrefixSnapshot() const;
-  // [instance lock] RunEventWindow and FlushVoices with the lock already held.
-  HRESULT WindowPass(std::int32_t frames);
-  HRESULT FlushPass(std::int32_t force);
-  // [instance lock] Adjusts the copy of a taken event by its key's `state` and queues it; the
-  // processing class's negative answer ends the window pass.
-  HRESULT TakeIntoVoices(HostEventRecord event, ChannelState& state);
-  void CloseOpenNotes();
-  // [instance lock] What OnStart and OnStop share: flush by force and empty both queues.
-  void DropSequencedEvents();
-  void ReplaceSysexPrefix(std::vector<std::uint8_t> bytes);
+  HRESULT SelectPort(CPortChoice::Direction direction, const std::wstring& name);
+  // The sample rate that time conversion goes by: the input format's.
+  std::uint32_t SampleRate() { return m_dxi->GetInputFormat()->nSamplesPerSec; }
 
-  WorkerBlock m_worker;
-  CCritSec m_queueLock;
-  std::vector<CStoredEvent> m_outputQueue;  // a FIFO drained whole by the worker
-  std::vector<std::unique_ptr<WorkerThread>> m_workerThreads;  // every worker not yet joined
-
-  std::int32_t m_lastClockTick = 0;
-
-  ComPtr<IHostTempoMap> m_tempoMap;
-  ComPtr<IHostTimeConverter> m_timeConverter;
-  CSharedHostRef<IHostInputSink> m_inputSink;
-  ComPtr<IHostPinObserver> m_pinObserver;
-  CSharedHostRef<IHostMidiPorts> m_midiPorts;
-  std::int32_t m_connected = 0;
-
-  IEditorWindow* m_editor = nullptr;
-  std::atomic<NotifyHandle> m_editorWindow{0};  // the editor's handle, read by StartWorker
+  CExternalHardwareProxyDXi* m_dxi = nullptr;
+  CHostConnection m_connection;
+  CPortChoice m_ports;
+  // After the connection and the ports, which its threads read: it ends them first.
+  COutputWorker m_worker;
+  CEventLine m_eventLine;  // [instance lock]
+  CStoredEventList m_events;
   ComPtr<CInstrument> m_instrument;
-
-  std::vector<HostEventRecord> m_pendingEvents;
-  VoiceQueue m_voiceQueue;
-  std::map<std::int32_t, ChannelState> m_channelStates;
-  std::int64_t m_streamSample = 0;
-  std::int64_t m_startSample = 0;
-  std::int64_t m_loopShift = 0;
-
-  std::atomic<bool> m_outputEnabled{false};
-  std::wstring m_outputPortName;
-  std::wstring m_inputPortName;
-  std::atomic<std::int32_t> m_outputPortIndex{-1};
-  std::int32_t m_inputPortIndex = -1;
-  std::atomic<std::uint32_t> m_rechannel{0};
-  std::vector<CStoredEvent> m_events;
+  std::atomic<IEditorWindow*> m_editor{nullptr};
+  std::atomic<NotifyHandle> m_editorWindow{0};  // the editor's handle, read by StartWorker
+  std::int32_t m_lastClockTick = 0;             // [instance lock]
   std::atomic<bool> m_midiSync{false};
-
-  mutable std::mutex m_prefixLock;  // guards the pointer; the bytes behind it never change
-  std::shared_ptr<const std::vector<std::uint8_t>> m_sysexPrefix;
-
-  CCritSec CounterLock;
-  std::uint32_t m_outputCount = 0;
-  std::uint32_t m_inputCount = 0;
   std::atomic<bool> m_closedLoopTest{false};
 };

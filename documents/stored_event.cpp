@@ -95,7 +95,8 @@ std::wstring CStoredEvent::GetTypeText() const {
 }
 
 std::wstring CStoredEvent::GetInfoText() const {
-  if (IsWait()) return Format(L"%u ms", m_waitMs);
+  // Shown as a signed number: a saved Wait="-16" reads "-16 ms".
+  if (IsWait()) return Format(L"%d ms", static_cast<std::int32_t>(m_waitMs));
   if (IsEmpty()) return L"No Data";
   if (IsSysex()) return Format(L"%zu bytes", m_sysex.size());
   const ShortMessageList& m = m_messages;

@@ -2,10 +2,11 @@
 // known to posters only by its handle; posting to a handle whose target has gone does nothing and
 // says so, as posting to a destroyed window does. So a worker may hold a stale handle safely.
 //
-// On Windows a handle is a message-only window (HWND) owned by the thread that registered the
-// target: posts wait in that thread's message queue and reach the target when the thread pumps
-// it, and that thread must unregister. Elsewhere a post reaches the target at once, on the
-// poster's thread. Post numbers from WM_USER (0x400) up: those below belong to the system.
+// A target belongs to the thread that registered it: posts wait in that thread's queue and reach
+// the target when the thread delivers them (its message loop on Windows, where a handle is a
+// message-only window; DeliverQueuedNotifications wherever no loop runs), and that thread must
+// unregister. A post never runs a handler and never waits for one. Post numbers from WM_USER
+// (0x400) up: those below belong to the system.
 #pragma once
 
 #include <cstdint>
@@ -17,8 +18,7 @@ using MessageId = std::uint32_t;
 
 class CNotifyTarget {
  public:
-  // [poster's thread; the owner's on Windows] Takes a posted message. Must not block: queue it
-  // for the owner's thread.
+  // [owner thread] Takes a posted message, while the owner delivers its queue.
   virtual void OnPosted(MessageId message, WPARAM_T wParam, LPARAM_T lParam) = 0;
 
  protected:
@@ -29,8 +29,9 @@ class CNotifyTarget {
 NotifyHandle RegisterNotifyTarget(CNotifyTarget& target);
 // [owner thread] Makes the handle dead. When this returns, no post to it is running or will run.
 void UnregisterNotifyTarget(NotifyHandle handle);
-// [any thread] Hands the message to the target; false when the handle is 0 or dead.
+// [any thread] Queues the message for the target's thread; false when the handle is 0 or dead,
+// or the thread's queue is full.
 bool PostNotify(NotifyHandle handle, MessageId message, WPARAM_T wParam, LPARAM_T lParam);
 // [owner thread] Hands the posts waiting for the calling thread's targets to them, as a message
-// loop would; returns at once when none wait. Does nothing where posts arrive at once.
+// loop would; returns at once when none wait.
 void DeliverQueuedNotifications();

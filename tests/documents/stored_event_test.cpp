@@ -67,6 +67,9 @@ TEST(StoredEventText, InfoTexts) {
   CStoredEvent wait;
   wait.SetWait(250);
   EXPECT_EQ(wait.GetInfoText(), L"250 ms");
+  CStoredEvent negative;
+  negative.SetWait(static_cast<std::uint32_t>(-16));
+  EXPECT_EQ(negative.GetInfoText(), L"-16 ms");
   EXPECT_EQ(WithSysex({0xF0}).GetInfoText(), L"No Data");
   EXPECT_EQ(WithSysex({0xF0, 0xF7}).GetInfoText(), L"2 bytes");
   EXPECT_EQ(WithMessages({M(0xB0, 0, 1), M(0xB0, 0x20, 2), M(0xC0, 5)}).GetInfoText(),

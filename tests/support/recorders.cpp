@@ -42,8 +42,8 @@ std::vector<NotifyRecorder::Posted> NotifyRecorder::Messages(MessageId message) 
   return out;
 }
 
-// Where posts queue for this thread (Windows) nothing wakes the wait below but the pump, so it
-// looks again every few milliseconds; elsewhere a post wakes it at once.
+// Posts queue for this thread, and nothing wakes the wait below but the pump, so it looks again
+// every few milliseconds.
 bool NotifyRecorder::WaitForCount(std::size_t count, int timeoutMs) const {
   using Clock = std::chrono::steady_clock;
   constexpr auto kPumpInterval = std::chrono::milliseconds(2);

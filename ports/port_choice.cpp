@@ -1,13 +1,13 @@
-// Choosing the host's ports by name: an exact, case-sensitive scan of the host's list, the
-// announcement of the chosen port's id, and the warning when the name is not there.
-#include <cwchar>
+// Ports are chosen by exact, case-sensitive name from the host's list, asking for the count again
+// each round, as the list may change while it is walked.
+#include "ports/port_choice.h"
 
-#include "core/soft_synth.h"
+#include "platform/com_ptr.h"
 #include "platform/message_box.h"
 
 namespace {
 
-enum class Direction { Input, Output };
+using Direction = CPortChoice::Direction;
 
 std::wstring UnavailablePortWarning(Direction direction, const std::wstring& name) {
   return direction == Direction::Input
@@ -17,14 +17,13 @@ std::wstring UnavailablePortWarning(Direction direction, const std::wstring& nam
                    L"\".  Disabling output.";
 }
 
-// The index of the first port named exactly `name`, or -1. The count is asked anew each round,
-// as the host's list may change while we walk it.
+// The index of the first port named exactly `name`, or -1. After a failed name call the buffer
+// is compared as it stands, holding whatever the last call left.
 std::int32_t FindPort(IHostMidiPorts& ports, Direction direction, const std::wstring& name) {
-  wchar_t buffer[kPortNameCapacity];
+  wchar_t buffer[kPortNameCapacity] = {};
   for (std::int32_t i = 0; i < (direction == Direction::Input ? ports.GetInputPortCount()
                                                               : ports.GetOutputPortCount());
        ++i) {
-    buffer[0] = L'\0';
     if (direction == Direction::Input)
       ports.GetInputPortName(i, buffer, kPortNameCapacity);
     else
@@ -51,26 +50,38 @@ void AnnouncePort(IHostMidiPorts& ports, Direction direction, std::int32_t index
 
 }  // namespace
 
-HRESULT CSoftSynth::SelectPort(bool input, std::wstring name) {
-  const Direction direction = input ? Direction::Input : Direction::Output;
-  ComPtr<IHostMidiPorts> ports;
-  GetPorts(ports.Receive());
+HRESULT CPortChoice::Select(IHostMidiPorts* ports, Direction direction,
+                            const std::wstring& name) {
   const std::int32_t index = ports ? FindPort(*ports, direction, name) : -1;
-  if (index >= 0) {
-    if (input) {
-      m_inputPortName = name;
-      m_inputPortIndex = index;
-    } else {
-      m_outputPortName = name;
-      m_outputPortIndex = index;
-    }
-    AnnouncePort(*ports, direction, index);
-    return S_OK;
+  if (index < 0) {
+    // The words say "Disabling", but the choice stands as it was: the loader decides.
+    if (!name.empty())
+      ShowMessageBox(UnavailablePortWarning(direction, name), L"Tarn", MB_ICONWARNING_FLAG);
+    return E_FAIL;
   }
-  // The words say "Disabling", but the choice stands as it was: the loader decides.
-  if (!name.empty()) ShowMessageBox(UnavailablePortWarning(direction, name), L"Tarn", MB_ICONWARNING_FLAG);
-  return E_FAIL;
+  {
+    std::lock_guard lock(m_namesLock);
+    (direction == Direction::Input ? m_inputName : m_outputName) = name;
+    (direction == Direction::Input ? m_inputIndex : m_outputIndex) = index;
+  }
+  AnnouncePort(*ports, direction, index);
+  return S_OK;
 }
 
-HRESULT CSoftSynth::SelectInputPort(std::wstring name) { return SelectPort(true, std::move(name)); }
-HRESULT CSoftSynth::SelectOutputPort(std::wstring name) { return SelectPort(false, std::move(name)); }
+void CPortChoice::SetOutputEnabled(bool enabled) {
+  m_outputEnabled = enabled;
+  if (enabled) return;
+  std::lock_guard lock(m_namesLock);
+  m_outputName.clear();
+  m_outputIndex = -1;
+}
+
+std::wstring CPortChoice::OutputName() const {
+  std::lock_guard lock(m_namesLock);
+  return m_outputName;
+}
+
+std::wstring CPortChoice::InputName() const {
+  std::lock_guard lock(m_namesLock);
+  return m_inputName;
+}

@@ -5,7 +5,7 @@
 #include <array>
 #include <cstring>
 
-#include "core/soft_synth.h"
+#include "core/event_line.h"
 
 namespace {
 
@@ -31,65 +31,33 @@ bool DropsMutedNote(const HostEventRecord& note, std::uint8_t muteBits) {
 
 // --- transport --------------------------------------------------------------------------------
 
-void CSoftSynth::DropSequencedEvents() {
-  FlushVoices(1);
+void CEventLine::Start(std::int64_t startSample) {
+  Stop();
+  m_startSample = startSample;
+  m_streamSample = 0;
+  m_loopShift = 0;
+}
+
+void CEventLine::Stop() {
+  FlushPass(1);
   m_pendingEvents.clear();
   m_voiceQueue.clear();
 }
 
-HRESULT CSoftSynth::OnStart(std::int32_t tick) {
-  CAutoLock lock(InstanceLock());
-  DropSequencedEvents();
-  m_startSample = TicksToSamples(tick);
-  m_streamSample = 0;
-  m_loopShift = 0;
-  m_lastClockTick = 0;
-  return S_OK;
-}
-
-HRESULT CSoftSynth::OnLoop(std::int32_t from, std::int32_t to) {
-  CAutoLock lock(InstanceLock());
-  m_loopShift = m_loopShift - TicksToSamples(from) + TicksToSamples(to);
-  return S_OK;
-}
-
-HRESULT CSoftSynth::OnStop(std::uint32_t) {
-  CAutoLock lock(InstanceLock());
-  DropSequencedEvents();
-  return S_OK;
-}
-
 // --- events and mixing state --------------------------------------------------------------------
 
-HRESULT CSoftSynth::OnEvents(std::uint32_t, std::uint32_t, std::int32_t channelKey,
-                             IHostEventList* list) {
-  if (!list) return E_POINTER;
-  CAutoLock lock(InstanceLock());
-  if (!m_tempoMap) return E_UNEXPECTED;
-  std::int32_t count = 0;
-  HRESULT hr = list->GetItemCount(&count);
-  if (FAILED(hr)) return hr;
-  for (std::int32_t i = 0; i < count; ++i) {
-    HostEventRecord record{};
-    hr = list->GetItem(i, &record);
-    if (FAILED(hr)) return hr;
-    record.sampleTime = m_loopShift - m_startSample + TicksToSamples(record.time);
-    record.channelKey = channelKey;
-    record.flagsLow = 0;
-    record.flagsHigh = kHostFlagsHigh;
-    hr = m_dxi->OnEventQueued(record);
-    if (FAILED(hr)) return hr;
-    if (hr == S_OK) m_pendingEvents.push_back(record);
-  }
-  return S_OK;
+HRESULT CEventLine::Queue(HostEventRecord record, std::int64_t sampleTime,
+                          std::int32_t channelKey) {
+  record.sampleTime = StreamTime(sampleTime);
+  record.channelKey = channelKey;
+  record.flagsLow = 0;
+  record.flagsHigh = kHostFlagsHigh;
+  const HRESULT hr = m_processing->OnEventQueued(record);
+  if (hr == S_OK) m_pendingEvents.push_back(record);
+  return hr;
 }
 
-HRESULT CSoftSynth::OnNotify(const void* message) {
-  if (!message) return S_OK;
-  ChannelStateMessage m;
-  std::memcpy(&m, message, sizeof m);  // the host's record need not be aligned
-  if (m.kind > ChannelStateMessage::kKeyOffset2) return S_OK;
-  CAutoLock lock(InstanceLock());
+void CEventLine::Notify(const ChannelStateMessage& m) {
   ChannelState& state = m_channelStates[m.channelKey];
   const auto offset = static_cast<std::int8_t>(m.value);
   switch (m.kind) {
@@ -102,19 +70,13 @@ HRESULT CSoftSynth::OnNotify(const void* message) {
     case ChannelStateMessage::kKeyOffset1: state.keyOffset1 = offset; break;
     default: state.keyOffset2 = offset; break;
   }
-  return S_OK;
 }
 
 // --- the window pass ----------------------------------------------------------------------------
 
 // Taken records leave the array as if each were erased at once, later ones moving down; the
 // survivors are compacted in one sweep so that the pass stays linear in the pending count.
-HRESULT CSoftSynth::RunEventWindow(std::int32_t frames) {
-  CAutoLock lock(InstanceLock());
-  return WindowPass(frames);
-}
-
-HRESULT CSoftSynth::WindowPass(std::int32_t frames) {
+HRESULT CEventLine::WindowPass(std::int32_t frames) {
   const std::int64_t from = m_streamSample;
   const std::int64_t to = from + frames;
   auto kept = m_pendingEvents.begin();
@@ -143,7 +105,7 @@ HRESULT CSoftSynth::WindowPass(std::int32_t frames) {
   return S_OK;
 }
 
-HRESULT CSoftSynth::TakeIntoVoices(HostEventRecord event, ChannelState& state) {
+HRESULT CEventLine::TakeIntoVoices(HostEventRecord event, ChannelState& state) {
   if (event.kind == HostEventRecord::kMuteMask)
     state.muteBits = static_cast<std::uint8_t>((state.muteBits & ~event.channel) | event.port);
   if (IsNote(event)) {
@@ -154,7 +116,7 @@ HRESULT CSoftSynth::TakeIntoVoices(HostEventRecord event, ChannelState& state) {
   state.channel = kWindowChannel;
   event.channel = kWindowChannel;
   if (IsNote(event) && event.duration != 0) {
-    const HRESULT hr = m_dxi->OnNoteStart(event);
+    const HRESULT hr = m_processing->OnNoteStart(event);
     if (hr != S_OK) return hr;  // negative ends the pass; positive leaves the event out
   }
   m_voiceQueue.push_back(event);
@@ -163,7 +125,7 @@ HRESULT CSoftSynth::TakeIntoVoices(HostEventRecord event, ChannelState& state) {
 
 // Each note-off leaves the queue and closes the oldest open note of its key, which stays queued
 // as a note-off of its own and so closes the next open note of that key in the next pass.
-void CSoftSynth::CloseOpenNotes() {
+void CEventLine::CloseOpenNotes() {
   if (m_voiceQueue.empty()) return;
   std::array<bool, 128> offs{};
   std::erase_if(m_voiceQueue, [&offs](const HostEventRecord& r) {
@@ -178,18 +140,13 @@ void CSoftSynth::CloseOpenNotes() {
   }
 }
 
-HRESULT CSoftSynth::FlushVoices(std::int32_t force) {
-  CAutoLock lock(InstanceLock());
-  return FlushPass(force);
-}
-
-HRESULT CSoftSynth::FlushPass(std::int32_t force) {
+HRESULT CEventLine::FlushPass(std::int32_t force) {
   HRESULT hr = S_OK;
   auto kept = m_voiceQueue.begin();
   for (auto it = m_voiceQueue.begin(); it != m_voiceQueue.end(); ++it) {
     bool drop;
     if (IsNote(*it)) {
-      hr = m_dxi->OnNoteFlush(*it, force);
+      hr = m_processing->OnNoteFlush(*it, force);
       if (FAILED(hr)) {
         kept = std::move(it, m_voiceQueue.end(), kept);
         break;
@@ -204,38 +161,12 @@ HRESULT CSoftSynth::FlushPass(std::int32_t force) {
   return FAILED(hr) ? hr : S_OK;
 }
 
-HRESULT CSoftSynth::RunSegment(std::int64_t position, AudioBuffer* input, AudioBuffer* outputs,
-                               std::int32_t outputCount, std::int32_t frames,
-                               HRESULT& processed) {
-  CAutoLock lock(InstanceLock());
-  const HRESULT hr = WindowPass(frames);
-  if (FAILED(hr)) return hr;
-  processed =
-      m_dxi->Process(position, input, outputs, outputCount, m_streamSample, m_voiceQueue);
-  m_streamSample += frames;
-  return FlushPass(0);
+HRESULT CEventLine::Process(std::int64_t position, AudioBuffer* input, AudioBuffer* outputs,
+                            std::int32_t outputCount) {
+  return m_processing->Process(position, input, outputs, outputCount, m_streamSample, m_voiceQueue);
 }
 
-HRESULT CSoftSynth::ProcessAt(std::int64_t position, AudioBuffer* input, AudioBuffer* outputs,
-                              std::int32_t outputCount) {
-  CAutoLock lock(InstanceLock());
-  return m_dxi->Process(position, input, outputs, outputCount, m_streamSample, m_voiceQueue);
-}
-
-// --- inspection -------------------------------------------------------------------------------
-
-std::vector<HostEventRecord> CSoftSynth::PendingEvents() {
-  CAutoLock lock(InstanceLock());
-  return m_pendingEvents;
-}
-
-std::vector<HostEventRecord> CSoftSynth::Voices() {
-  CAutoLock lock(InstanceLock());
-  return {m_voiceQueue.begin(), m_voiceQueue.end()};
-}
-
-std::optional<ChannelState> CSoftSynth::ChannelStateOf(std::int32_t channelKey) {
-  CAutoLock lock(InstanceLock());
+std::optional<ChannelState> CEventLine::ChannelStateOf(std::int32_t channelKey) const {
   const auto it = m_channelStates.find(channelKey);
   if (it == m_channelStates.end()) return std::nullopt;
   return it->second;
