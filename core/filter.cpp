@@ -27,7 +27,7 @@ CFilter::CFilter(IUnknown* outer, HRESULT* phr)
   HRESULT& hr = *phr;
   if (SUCCEEDED(hr) && !HasInstrument()) hr = E_OUTOFMEMORY;
   if (FAILED(hr)) return;
-  m_inputPin.reset(new (std::nothrow) CFilterInputPin(this, m_pLock, &hr));
+  m_inputPin.reset(new (std::nothrow) CFilterInputPin(this, m_lock, &hr));
   if (!m_inputPin) hr = E_OUTOFMEMORY;
   if (FAILED(hr)) return;
   hr = AddOutputPin(nullptr, nullptr);
@@ -78,7 +78,7 @@ HRESULT CFilter::AddOutputPin(const wchar_t* name, std::uint32_t* id) {
   }
   const std::uint32_t pinId = g_nextPinId++;
   hr = S_OK;
-  auto* pin = new (std::nothrow) CFilterOutputPin(this, m_pLock, &hr, name, pinId);
+  auto* pin = new (std::nothrow) CFilterOutputPin(this, m_lock, &hr, name, pinId);
   if (!pin) return E_OUTOFMEMORY;
   pin->AddListReference();
   if (FAILED(hr)) {
@@ -175,8 +175,8 @@ CBasePin* CFilter::GetPin(std::int32_t n) {
 
 HRESULT CFilter::Pause() {
   CAutoLock lock(InstanceLock());
-  if (m_State == State_Paused) return S_OK;
-  const bool wasStopped = m_State == State_Stopped;
+  if (m_state == State_Paused) return S_OK;
+  const bool wasStopped = m_state == State_Stopped;
   if (wasStopped) StartWorker();
   m_inputSample = 0;
   HRESULT hr = CBaseFilter::Pause();
@@ -195,7 +195,7 @@ HRESULT CFilter::Run(REFERENCE_TIME start) {
 
 HRESULT CFilter::Stop() {
   CAutoLock lock(InstanceLock());
-  if (m_State == State_Stopped) return S_OK;
+  if (m_state == State_Stopped) return S_OK;
   StopWorker();
   const HRESULT hr = CBaseFilter::Stop();
   return FAILED(hr) ? hr : FreeResources();

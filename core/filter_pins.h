@@ -47,7 +47,7 @@ class CFilterInputPin final : public CBaseInputPin {
   CPositionPassThrough& PositionPassThrough();
 
  private:
-  CFilter* m_filter;
+  CFilter* m_instance;
   std::unique_ptr<CPositionPassThrough> m_position;
 };
 
@@ -91,7 +91,7 @@ class CFilterOutputPin final : public CBaseOutputPin {
   std::uint32_t Id() const noexcept { return m_id; }
 
  private:
-  CFilter* m_filter;
+  CFilter* m_instance;
   const std::uint32_t m_id;
   std::atomic<ULONG> m_refs{0};
 };

@@ -6,7 +6,7 @@
 #include "frame/enumerators.h"
 
 CBaseFilter::CBaseFilter(const wchar_t* name, IUnknown* outer, CCritSec* lock, const CLSID& clsid)
-    : CUnknown(name, outer), m_pLock(lock), m_clsid(clsid) {}
+    : CUnknown(name, outer), m_lock(lock), m_clsid(clsid) {}
 
 CBaseFilter::~CBaseFilter() = default;
 
@@ -35,48 +35,48 @@ HRESULT CBaseFilter::ForEachConnectedPin(HRESULT (CBasePin::*step)()) {
 }
 
 HRESULT CBaseFilter::Stop() {
-  CAutoLock lock(*m_pLock);
+  CAutoLock lock(*m_lock);
   HRESULT hr = S_OK;
-  if (m_State != State_Stopped) hr = ForEachConnectedPin(&CBasePin::Inactive);
-  m_State = State_Stopped;
+  if (m_state != State_Stopped) hr = ForEachConnectedPin(&CBasePin::Inactive);
+  m_state = State_Stopped;
   return hr;
 }
 
 HRESULT CBaseFilter::Pause() {
-  CAutoLock lock(*m_pLock);
+  CAutoLock lock(*m_lock);
   HRESULT hr = S_OK;
-  if (m_State == State_Stopped) hr = ForEachConnectedPin(&CBasePin::Active);
-  m_State = State_Paused;
+  if (m_state == State_Stopped) hr = ForEachConnectedPin(&CBasePin::Active);
+  m_state = State_Paused;
   return hr;
 }
 
 HRESULT CBaseFilter::Run(REFERENCE_TIME start) {
-  CAutoLock lock(*m_pLock);
+  CAutoLock lock(*m_lock);
   m_tStart = start;
-  if (m_State == State_Stopped) {
+  if (m_state == State_Stopped) {
     const HRESULT hr = Pause();
     if (FAILED(hr)) return hr;
   }
-  m_State = State_Running;
+  m_state = State_Running;
   return S_OK;
 }
 
 HRESULT CBaseFilter::GetState(std::uint32_t /*timeoutMs*/, FILTER_STATE* state) {
   if (!state) return E_POINTER;
-  *state = m_State;
+  *state = m_state;
   return S_OK;
 }
 
 HRESULT CBaseFilter::SetSyncSource(IReferenceClock* clock) {
-  CAutoLock lock(*m_pLock);
-  m_pClock = ComPtr<IReferenceClock>(clock);
+  CAutoLock lock(*m_lock);
+  m_clock = ComPtr<IReferenceClock>(clock);
   return S_OK;
 }
 
 HRESULT CBaseFilter::GetSyncSource(IReferenceClock** clock) {
   if (!clock) return E_POINTER;
-  CAutoLock lock(*m_pLock);
-  *clock = ComPtr<IReferenceClock>(m_pClock).Detach();
+  CAutoLock lock(*m_lock);
+  *clock = ComPtr<IReferenceClock>(m_clock).Detach();
   return S_OK;
 }
 
@@ -89,7 +89,7 @@ HRESULT CBaseFilter::FindPin(const wchar_t* id, IPin** pin) {
   if (!pin) return E_POINTER;
   *pin = nullptr;
   if (!id) return E_POINTER;
-  CAutoLock lock(*m_pLock);
+  CAutoLock lock(*m_lock);
   const std::int32_t count = GetPinCount();
   for (std::int32_t i = 0; i < count; ++i) {
     CBasePin* candidate = GetPin(i);
@@ -104,19 +104,19 @@ HRESULT CBaseFilter::FindPin(const wchar_t* id, IPin** pin) {
 
 HRESULT CBaseFilter::QueryFilterInfo(FILTER_INFO* info) {
   if (!info) return E_POINTER;
-  CAutoLock lock(*m_pLock);
+  CAutoLock lock(*m_lock);
   CopyName(info->achName, m_name.c_str());
-  info->pGraph = ComPtr<IFilterGraph>(m_pGraph).Detach();
+  info->pGraph = ComPtr<IFilterGraph>(m_graph).Detach();
   return S_OK;
 }
 
 HRESULT CBaseFilter::JoinFilterGraph(IFilterGraph* graph, const wchar_t* name) {
-  CAutoLock lock(*m_pLock);
-  m_pGraph = graph;
+  CAutoLock lock(*m_lock);
+  m_graph = graph;
   m_name = name ? name : L"";
   ComPtr<IMediaEventSink> sink;
   // The graph owns the sink as it owns us: keep it without the reference the query added.
-  m_pSink = graph && SUCCEEDED(sink.QueryFrom(graph, IID_IMediaEventSink)) ? sink.Get() : nullptr;
+  m_sink = graph && SUCCEEDED(sink.QueryFrom(graph, IID_IMediaEventSink)) ? sink.Get() : nullptr;
   return S_OK;
 }
 
@@ -127,6 +127,6 @@ HRESULT CBaseFilter::QueryVendorInfo(wchar_t** info) {
 }
 
 HRESULT CBaseFilter::NotifyEvent(std::int32_t code, std::intptr_t param1, std::intptr_t param2) {
-  IMediaEventSink* sink = m_pSink.load();
+  IMediaEventSink* sink = m_sink.load();
   return sink ? sink->Notify(code, param1, param2) : S_OK;
 }

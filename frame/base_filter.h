@@ -64,19 +64,19 @@ class CBaseFilter : public CUnknown, public IBaseFilter {
   HRESULT NotifyEvent(std::int32_t code, std::intptr_t param1, std::intptr_t param2);
 
   // [any thread]
-  bool IsStopped() const noexcept { return m_State == State_Stopped; }
-  bool IsActive() const noexcept { return m_State != State_Stopped; }
+  bool IsStopped() const noexcept { return m_state == State_Stopped; }
+  bool IsActive() const noexcept { return m_state != State_Stopped; }
   // [any thread, filter lock] The graph the filter is in, without a reference, or null.
-  IFilterGraph* GetFilterGraph() const noexcept { return m_pGraph; }
+  IFilterGraph* GetFilterGraph() const noexcept { return m_graph; }
   // The filter lock.
-  CCritSec* GetLock() const noexcept { return m_pLock; }
+  CCritSec* GetLock() const noexcept { return m_lock; }
 
  protected:
-  std::atomic<FILTER_STATE> m_State{State_Stopped};  // written under the filter lock
-  CCritSec* const m_pLock;
-  IFilterGraph* m_pGraph = nullptr;  // weak: the graph owns us
+  std::atomic<FILTER_STATE> m_state{State_Stopped};  // written under the filter lock
+  CCritSec* const m_lock;
+  IFilterGraph* m_graph = nullptr;  // weak: the graph owns us
   REFERENCE_TIME m_tStart = 0;       // stream time of the last Run
-  ComPtr<IReferenceClock> m_pClock;
+  ComPtr<IReferenceClock> m_clock;
 
  private:
   // Calls Active or Inactive on every connected pin; the first failure.
@@ -84,6 +84,6 @@ class CBaseFilter : public CUnknown, public IBaseFilter {
 
   const CLSID m_clsid;
   std::wstring m_name;                             // name in the graph
-  std::atomic<IMediaEventSink*> m_pSink{nullptr};  // weak, like m_pGraph
+  std::atomic<IMediaEventSink*> m_sink{nullptr};  // weak, like m_graph
   std::atomic<std::int32_t> m_pinVersion{1};
 };

@@ -7,8 +7,8 @@
 CBasePin::CBasePin(const wchar_t* objectName, CBaseFilter* filter, CCritSec* lock, HRESULT* /*phr*/,
                    const wchar_t* pinName, PIN_DIRECTION dir)
     : CUnknown(objectName, nullptr),
-      m_pFilter(filter),
-      m_pLock(lock),
+      m_filter(filter),
+      m_lock(lock),
       m_name(pinName ? pinName : L""),
       m_dir(dir) {}
 
@@ -19,8 +19,8 @@ HRESULT CBasePin::NonDelegatingQueryInterface(REFIID iid, void** object) {
   return CUnknown::NonDelegatingQueryInterface(iid, object);
 }
 
-ULONG CBasePin::NonDelegatingAddRef() { return m_pFilter->AddRef(); }
-ULONG CBasePin::NonDelegatingRelease() { return m_pFilter->Release(); }
+ULONG CBasePin::NonDelegatingAddRef() { return m_filter->AddRef(); }
+ULONG CBasePin::NonDelegatingRelease() { return m_filter->Release(); }
 
 HRESULT CBasePin::CanConnectNow() const {
   if (IsConnected()) return VFW_E_ALREADY_CONNECTED;
@@ -30,7 +30,7 @@ HRESULT CBasePin::CanConnectNow() const {
 
 HRESULT CBasePin::Connect(IPin* receiver, const CMediaType* type) {
   if (!receiver) return E_POINTER;
-  CAutoLock lock(*m_pLock);
+  CAutoLock lock(*m_lock);
   const HRESULT hr = CanConnectNow();
   return FAILED(hr) ? hr : AgreeMediaType(receiver, type);
 }
@@ -78,7 +78,7 @@ HRESULT CBasePin::TakeConnection(IPin* peer, const CMediaType& type) {
     if (SUCCEEDED(hr) && hr != S_OK) hr = VFW_E_TYPE_NOT_ACCEPTED;
   }
   if (SUCCEEDED(hr)) {
-    m_Connected = ComPtr<IPin>(peer);
+    m_connected = ComPtr<IPin>(peer);
     hr = SetMediaType(type);
   }
   if (FAILED(hr)) DropConnection();
@@ -87,13 +87,13 @@ HRESULT CBasePin::TakeConnection(IPin* peer, const CMediaType& type) {
 
 void CBasePin::DropConnection() {
   BreakConnect();
-  m_Connected.Reset();
+  m_connected.Reset();
   m_mt = CMediaType();
 }
 
 HRESULT CBasePin::ReceiveConnection(IPin* connector, const CMediaType* type) {
   if (!connector || !type) return E_POINTER;
-  CAutoLock lock(*m_pLock);
+  CAutoLock lock(*m_lock);
   HRESULT hr = CanConnectNow();
   if (SUCCEEDED(hr)) hr = TakeConnection(connector, *type);
   if (FAILED(hr)) return hr;
@@ -103,7 +103,7 @@ HRESULT CBasePin::ReceiveConnection(IPin* connector, const CMediaType* type) {
 }
 
 HRESULT CBasePin::Disconnect() {
-  CAutoLock lock(*m_pLock);
+  CAutoLock lock(*m_lock);
   if (!IsStopped()) return VFW_E_NOT_STOPPED;
   if (!IsConnected()) return S_FALSE;
   DropConnection();
@@ -112,21 +112,21 @@ HRESULT CBasePin::Disconnect() {
 
 HRESULT CBasePin::ConnectedTo(IPin** pin) {
   if (!pin) return E_POINTER;
-  CAutoLock lock(*m_pLock);
-  *pin = ComPtr<IPin>(m_Connected).Detach();
+  CAutoLock lock(*m_lock);
+  *pin = ComPtr<IPin>(m_connected).Detach();
   return *pin ? S_OK : VFW_E_NOT_CONNECTED;
 }
 
 HRESULT CBasePin::ConnectionMediaType(CMediaType* type) {
   if (!type) return E_POINTER;
-  CAutoLock lock(*m_pLock);
+  CAutoLock lock(*m_lock);
   *type = IsConnected() ? m_mt : CMediaType();
   return IsConnected() ? S_OK : VFW_E_NOT_CONNECTED;
 }
 
 HRESULT CBasePin::QueryPinInfo(PIN_INFO* info) {
   if (!info) return E_POINTER;
-  info->pFilter = ComPtr<IBaseFilter>(m_pFilter).Detach();
+  info->pFilter = ComPtr<IBaseFilter>(m_filter).Detach();
   info->dir = m_dir;
   CopyName(info->achName, m_name.c_str());
   return S_OK;

@@ -70,23 +70,23 @@ class CBasePin : public CUnknown, public IPin {
   virtual HRESULT Inactive();
 
   // [any thread]
-  bool IsConnected() const noexcept { return static_cast<bool>(m_Connected); }
+  bool IsConnected() const noexcept { return static_cast<bool>(m_connected); }
   // The peer without a reference, or null.
-  IPin* GetConnected() const noexcept { return m_Connected.Get(); }
+  IPin* GetConnected() const noexcept { return m_connected.Get(); }
   const CMediaType& CurrentMediaType() const noexcept { return m_mt; }
   const wchar_t* Name() const noexcept { return m_name.c_str(); }
   PIN_DIRECTION Direction() const noexcept { return m_dir; }
-  bool IsStopped() const noexcept { return m_pFilter->IsStopped(); }
-  CBaseFilter* Filter() const noexcept { return m_pFilter; }
+  bool IsStopped() const noexcept { return m_filter->IsStopped(); }
+  CBaseFilter* Filter() const noexcept { return m_filter; }
   // The values of the last NewSegment (0, the largest time and 1.0 before any).
   REFERENCE_TIME CurrentStartTime() const noexcept { return m_tStart; }
   REFERENCE_TIME CurrentStopTime() const noexcept { return m_tStop; }
   double CurrentRate() const noexcept { return m_dRate; }
 
  protected:
-  CBaseFilter* const m_pFilter;
-  CCritSec* const m_pLock;
-  ComPtr<IPin> m_Connected;
+  CBaseFilter* const m_filter;
+  CCritSec* const m_lock;
+  ComPtr<IPin> m_connected;
   CMediaType m_mt;
   REFERENCE_TIME m_tStart = 0;
   REFERENCE_TIME m_tStop = INT64_MAX;

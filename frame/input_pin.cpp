@@ -16,16 +16,16 @@ HRESULT CBaseInputPin::NonDelegatingQueryInterface(REFIID iid, void** object) {
 
 HRESULT CBaseInputPin::GetAllocator(IMemAllocator** allocator) {
   if (!allocator) return E_POINTER;
-  CAutoLock lock(*m_pLock);
-  if (!m_pAllocator) m_pAllocator = CMemAllocator::Create();
-  *allocator = ComPtr<IMemAllocator>(m_pAllocator).Detach();
+  CAutoLock lock(*m_lock);
+  if (!m_allocator) m_allocator = CMemAllocator::Create();
+  *allocator = ComPtr<IMemAllocator>(m_allocator).Detach();
   return S_OK;
 }
 
 HRESULT CBaseInputPin::NotifyAllocator(IMemAllocator* allocator, std::int32_t readOnly) {
   if (!allocator) return E_POINTER;
-  CAutoLock lock(*m_pLock);
-  m_pAllocator = ComPtr<IMemAllocator>(allocator);
+  CAutoLock lock(*m_lock);
+  m_allocator = ComPtr<IMemAllocator>(allocator);
   m_bReadOnly = readOnly != 0;
   return S_OK;
 }
@@ -56,24 +56,24 @@ HRESULT CBaseInputPin::ReceiveMultiple(IMediaSample** samples, std::int32_t coun
 HRESULT CBaseInputPin::ReceiveCanBlock() { return S_OK; }
 
 HRESULT CBaseInputPin::BeginFlush() {
-  CAutoLock lock(*m_pLock);
+  CAutoLock lock(*m_lock);
   m_bFlushing = true;
   return S_OK;
 }
 
 HRESULT CBaseInputPin::EndFlush() {
-  CAutoLock lock(*m_pLock);
+  CAutoLock lock(*m_lock);
   m_bFlushing = false;
   return S_OK;
 }
 
 HRESULT CBaseInputPin::Inactive() {
   m_bFlushing = false;
-  return m_pAllocator ? m_pAllocator->Decommit() : S_OK;
+  return m_allocator ? m_allocator->Decommit() : S_OK;
 }
 
 HRESULT CBaseInputPin::BreakConnect() {
-  m_pAllocator.Reset();
+  m_allocator.Reset();
   m_bReadOnly = false;
   return CBasePin::BreakConnect();
 }

@@ -54,7 +54,7 @@ class CBaseInputPin : public CBasePin, public IMemInputPin {
   bool IsReadOnly() const noexcept { return m_bReadOnly; }
 
  protected:
-  ComPtr<IMemAllocator> m_pAllocator;  // guarded by the filter lock
+  ComPtr<IMemAllocator> m_allocator;  // guarded by the filter lock
   std::atomic<bool> m_bFlushing{false};
   bool m_bReadOnly = false;
 };

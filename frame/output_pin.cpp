@@ -10,26 +10,26 @@ CBaseOutputPin::~CBaseOutputPin() = default;
 
 HRESULT CBaseOutputPin::CheckConnect(IPin* pin) {
   const HRESULT hr = CBasePin::CheckConnect(pin);
-  return FAILED(hr) ? hr : m_pInputPin.QueryFrom(pin, IID_IMemInputPin);
+  return FAILED(hr) ? hr : m_inputPin.QueryFrom(pin, IID_IMemInputPin);
 }
 
 HRESULT CBaseOutputPin::CompleteConnect(IPin* /*receivePin*/) {
-  return DecideAllocator(m_pInputPin.Get(), m_pAllocator.Receive());
+  return DecideAllocator(m_inputPin.Get(), m_allocator.Receive());
 }
 
 HRESULT CBaseOutputPin::BreakConnect() {
-  if (m_pAllocator) m_pAllocator->Decommit();
-  m_pAllocator.Reset();
-  m_pInputPin.Reset();
+  if (m_allocator) m_allocator->Decommit();
+  m_allocator.Reset();
+  m_inputPin.Reset();
   return CBasePin::BreakConnect();
 }
 
 HRESULT CBaseOutputPin::Active() {
-  return m_pAllocator ? m_pAllocator->Commit() : VFW_E_NO_ALLOCATOR;
+  return m_allocator ? m_allocator->Commit() : VFW_E_NO_ALLOCATOR;
 }
 
 HRESULT CBaseOutputPin::Inactive() {
-  return m_pAllocator ? m_pAllocator->Decommit() : VFW_E_NO_ALLOCATOR;
+  return m_allocator ? m_allocator->Decommit() : VFW_E_NO_ALLOCATOR;
 }
 
 HRESULT CBaseOutputPin::EndOfStream() { return E_UNEXPECTED; }
@@ -72,25 +72,25 @@ HRESULT CBaseOutputPin::GetDeliveryBuffer(IMediaSample** sample, REFERENCE_TIME*
                                           REFERENCE_TIME* stop, std::uint32_t flags) {
   if (!sample) return E_POINTER;
   *sample = nullptr;
-  return m_pAllocator ? m_pAllocator->GetBuffer(sample, start, stop, flags) : VFW_E_NO_ALLOCATOR;
+  return m_allocator ? m_allocator->GetBuffer(sample, start, stop, flags) : VFW_E_NO_ALLOCATOR;
 }
 
 HRESULT CBaseOutputPin::Deliver(IMediaSample* sample) {
-  return m_pInputPin ? m_pInputPin->Receive(sample) : VFW_E_NOT_CONNECTED;
+  return m_inputPin ? m_inputPin->Receive(sample) : VFW_E_NOT_CONNECTED;
 }
 
 HRESULT CBaseOutputPin::DeliverEndOfStream() {
-  return m_Connected ? m_Connected->EndOfStream() : VFW_E_NOT_CONNECTED;
+  return m_connected ? m_connected->EndOfStream() : VFW_E_NOT_CONNECTED;
 }
 
 HRESULT CBaseOutputPin::DeliverBeginFlush() {
-  return m_Connected ? m_Connected->BeginFlush() : VFW_E_NOT_CONNECTED;
+  return m_connected ? m_connected->BeginFlush() : VFW_E_NOT_CONNECTED;
 }
 
 HRESULT CBaseOutputPin::DeliverEndFlush() {
-  return m_Connected ? m_Connected->EndFlush() : VFW_E_NOT_CONNECTED;
+  return m_connected ? m_connected->EndFlush() : VFW_E_NOT_CONNECTED;
 }
 
 HRESULT CBaseOutputPin::DeliverNewSegment(REFERENCE_TIME start, REFERENCE_TIME stop, double rate) {
-  return m_Connected ? m_Connected->NewSegment(start, stop, rate) : VFW_E_NOT_CONNECTED;
+  return m_connected ? m_connected->NewSegment(start, stop, rate) : VFW_E_NOT_CONNECTED;
 }

@@ -52,11 +52,11 @@ class CBaseOutputPin : public CBasePin {
   virtual HRESULT DeliverNewSegment(REFERENCE_TIME start, REFERENCE_TIME stop, double rate);
 
   // [any thread] The decided allocator without a reference, or null.
-  IMemAllocator* Allocator() const noexcept { return m_pAllocator.Get(); }
+  IMemAllocator* Allocator() const noexcept { return m_allocator.Get(); }
 
  protected:
-  ComPtr<IMemAllocator> m_pAllocator;
-  ComPtr<IMemInputPin> m_pInputPin;  // the peer's transport face
+  ComPtr<IMemAllocator> m_allocator;
+  ComPtr<IMemInputPin> m_inputPin;  // the peer's transport face
 
  private:
   // DecideBufferSize on a copy of `request`, then NotifyAllocator.

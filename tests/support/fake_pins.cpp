@@ -181,9 +181,9 @@ class FakeSink::SinkPin final : public CBaseInputPin {
   }
   HRESULT STDMETHODCALLTYPE GetAllocator(IMemAllocator** allocator) override {
     if (!allocator) return E_POINTER;
-    CAutoLock lock(*m_pLock);
-    if (!m_pAllocator) m_pAllocator = CMemAllocator::Create(m_options.samplesOfferSilence);
-    *allocator = ComPtr<IMemAllocator>(m_pAllocator).Detach();
+    CAutoLock lock(*m_lock);
+    if (!m_allocator) m_allocator = CMemAllocator::Create(m_options.samplesOfferSilence);
+    *allocator = ComPtr<IMemAllocator>(m_allocator).Detach();
     return S_OK;
   }
   HRESULT STDMETHODCALLTYPE GetAllocatorRequirements(ALLOCATOR_PROPERTIES* properties) override {
