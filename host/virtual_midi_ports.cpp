@@ -25,17 +25,6 @@ std::size_t ShortMessageLength(std::uint8_t status) {
 CVirtualMidiPorts::CVirtualMidiPorts(std::int32_t count, CMidiPortListener& listener)
     : m_count(count), m_listener(listener) {}
 
-HRESULT CVirtualMidiPorts::QueryInterface(REFIID iid, void** object) {
-  if (!object) return E_POINTER;
-  if (iid == IID_IUnknown || iid == IID_IHostMidiPorts || iid == IID_IHostMidiPorts2) {
-    *object = static_cast<IHostMidiPorts2*>(this);
-    AddRef();
-    return S_OK;
-  }
-  *object = nullptr;
-  return E_NOINTERFACE;
-}
-
 std::int32_t CVirtualMidiPorts::GetInputPortCount() { return m_count; }
 std::int32_t CVirtualMidiPorts::GetOutputPortCount() { return m_count; }
 

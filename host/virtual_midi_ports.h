@@ -19,14 +19,11 @@ class CMidiPortListener {
   ~CMidiPortListener() = default;
 };
 
-class CVirtualMidiPorts final : public IHostMidiPorts2 {
+class CVirtualMidiPorts final : public CUnknownImpl<IHostMidiPorts2> {
  public:
   // Outputs named "Virtual Out 1" ... and inputs "Virtual In 1" ..., `count` of each.
   CVirtualMidiPorts(std::int32_t count, CMidiPortListener& listener);
 
-  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override;
-  ULONG STDMETHODCALLTYPE AddRef() override { return ++m_refs; }
-  ULONG STDMETHODCALLTYPE Release() override { return --m_refs; }  // owned by the host
 
   std::int32_t STDMETHODCALLTYPE GetInputPortCount() override;
   HRESULT STDMETHODCALLTYPE Reserved() override { return E_NOTIMPL; }
@@ -45,12 +42,12 @@ class CVirtualMidiPorts final : public IHostMidiPorts2 {
   HRESULT STDMETHODCALLTYPE UseOutputPort(std::int32_t) override { return S_OK; }
 
  private:
+  void LastReleased() override {}  // owned by the host, not by its references
   static HRESULT CopyName(const std::wstring& text, wchar_t* name, std::uint32_t capacity);
   bool ValidIndex(std::int32_t index) const { return index >= 0 && index < m_count; }
 
   const std::int32_t m_count;
   CMidiPortListener& m_listener;
-  std::atomic<ULONG> m_refs{0};
 };
 
 // The number of data bytes that follow a status byte in a packed short message.

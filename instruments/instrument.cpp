@@ -11,25 +11,6 @@ bool IsPatch(std::int32_t patch) { return patch >= -1 && patch <= 127; }
 
 }  // namespace
 
-HRESULT CInstrument::QueryInterface(REFIID iid, void** object) {
-  if (!object) return E_POINTER;
-  if (iid == IID_IUnknown || iid == IID_IMfxInstrument) {
-    *object = static_cast<IMfxInstrument*>(this);
-    AddRef();
-    return S_OK;
-  }
-  *object = nullptr;
-  return E_NOINTERFACE;
-}
-
-ULONG CInstrument::AddRef() { return ++m_refCount; }
-
-ULONG CInstrument::Release() {
-  const ULONG left = --m_refCount;
-  if (left == 0) delete this;
-  return left;
-}
-
 HRESULT CInstrument::GetInstrumentName(char* name, std::uint32_t capacity) {
   CAutoLock lock(m_lock);
   if (!name || capacity < m_currentName.size() + 1) return E_POINTER;

@@ -30,7 +30,7 @@
 
 class TiXmlNode;
 
-class CInstrument final : public IMfxInstrument {
+class CInstrument final : public CUnknownImpl<IMfxInstrument> {
  public:
   // The name of the built-in empty device.
   static constexpr const char* kGenericDevice = "Generic Device";
@@ -41,12 +41,6 @@ class CInstrument final : public IMfxInstrument {
   // An object with no references whose store is read from `devicesFile`; a missing or broken
   // file gives an empty store. Nothing is selected: "Generic Device" is current, with no lists.
   explicit CInstrument(std::wstring devicesFile = DefaultDevicesFile());
-
-  // --- IUnknown: answers IUnknown and IMfxInstrument -----------------------------------------
-  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override;
-  ULONG STDMETHODCALLTYPE AddRef() override;
-  // Destroys the object at zero, which writes the store if it changed.
-  ULONG STDMETHODCALLTYPE Release() override;
 
   // --- IMfxInstrument (documented there) -------------------------------------------------------
   HRESULT STDMETHODCALLTYPE GetInstrumentName(char* name, std::uint32_t capacity) override;
@@ -141,7 +135,6 @@ class CInstrument final : public IMfxInstrument {
 
   std::atomic<bool> m_changed{true};
   mutable CCritSec m_lock;
-  std::atomic<ULONG> m_refCount{0};
   std::string m_currentName = kGenericDevice;
   ComPtr<CStringMap> m_controllerList;
   std::map<std::int32_t, ComPtr<CStringMap>> m_patchLists;

@@ -17,25 +17,6 @@ void CopyCut(const std::string& text, char* buffer, std::size_t length) {
 
 CStringMap::CStringMap(const char* title) : m_title(title ? title : "") {}
 
-HRESULT CStringMap::QueryInterface(REFIID iid, void** object) {
-  if (!object) return E_POINTER;
-  if (iid == IID_IUnknown || iid == IID_IMfxNameList || iid == IID_IMfxNameList2) {
-    *object = static_cast<IMfxNameList2*>(this);
-    AddRef();
-    return S_OK;
-  }
-  *object = nullptr;
-  return E_NOINTERFACE;
-}
-
-ULONG CStringMap::AddRef() { return ++m_refCount; }
-
-ULONG CStringMap::Release() {
-  const ULONG left = --m_refCount;
-  if (left == 0) delete this;
-  return left;
-}
-
 HRESULT CStringMap::GetTitle(char* title, std::int32_t length) {
   if (!title) return E_POINTER;
   if (length >= 1) CopyCut(m_title, title, static_cast<std::size_t>(length));

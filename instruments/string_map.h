@@ -15,16 +15,11 @@
 #include "interfaces/mfx_instrument.h"
 #include "platform/com_ptr.h"
 
-class CStringMap final : public IMfxNameList2 {
+class CStringMap final : public CUnknownImpl<IMfxNameList2> {
  public:
   // An empty list with no references; a null title leaves the title empty.
   explicit CStringMap(const char* title);
 
-  // --- IUnknown: answers IUnknown, IMfxNameList and IMfxNameList2 ----------------------------
-  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override;
-  ULONG STDMETHODCALLTYPE AddRef() override;
-  // Destroys the list at zero.
-  ULONG STDMETHODCALLTYPE Release() override;
 
   // --- IMfxNameList, IMfxNameList2 (documented there) ------------------------------------------
   HRESULT STDMETHODCALLTYPE GetTitle(char* title, std::int32_t length) override;
@@ -46,7 +41,6 @@ class CStringMap final : public IMfxNameList2 {
   ~CStringMap() = default;
   const Entry* Find(std::int32_t key) const noexcept;
 
-  std::atomic<ULONG> m_refCount{0};
   std::vector<Entry> m_names;  // ascending by key; a position is an index plus one
   std::string m_title;
   std::int32_t m_maxCount = 128;

@@ -4,6 +4,7 @@
 
 #include "interfaces/host_records.h"
 #include "platform/com.h"
+#include "platform/unknown_impl.h"
 
 struct IMfxInputPort;
 
@@ -16,6 +17,7 @@ struct IHostTempoMap : IUnknown {
   virtual std::int32_t STDMETHODCALLTYPE MsecsToTicks(std::int32_t msecs) = 0;
   virtual std::int32_t STDMETHODCALLTYPE GetTicksPerQuarter() = 0;
 };
+TARN_INTERFACE_ID(IHostTempoMap, IID_IHostTempoMap, IUnknown);
 
 // {FF94ABA0-4DF9-4120-947D-5E303E49B81F}
 inline constexpr IID IID_IHostTimeConverter =
@@ -24,6 +26,7 @@ struct IHostTimeConverter : IUnknown {
   // [instance lock] Rewrites `time` in place into `format`.
   virtual HRESULT STDMETHODCALLTYPE ConvertTime(HostTimeValue* time, std::uint32_t format) = 0;
 };
+TARN_INTERFACE_ID(IHostTimeConverter, IID_IHostTimeConverter, IUnknown);
 
 // {439E1EF6-2CBA-48F8-A857-51C5724A4F6C}
 inline constexpr IID IID_IHostPinObserver =
@@ -34,6 +37,7 @@ struct IHostPinObserver : IUnknown {
   virtual HRESULT STDMETHODCALLTYPE OnPinCountChange(std::int32_t phase, IUnknown* filter,
                                                      std::int32_t count) = 0;
 };
+TARN_INTERFACE_ID(IHostPinObserver, IID_IHostPinObserver, IUnknown);
 
 // Where the worker hands every short message it sends, besides the hardware port.
 struct IHostInputSink : IUnknown {

@@ -5,6 +5,7 @@
 #include <cstdint>
 
 #include "platform/com.h"
+#include "platform/unknown_impl.h"
 
 // A port handle; 0 means the port cannot be written now.
 using MidiPortHandle = std::uintptr_t;
@@ -31,6 +32,7 @@ struct IHostMidiPorts : IUnknown {
   virtual HRESULT STDMETHODCALLTYPE SendSysexMsg(MidiPortHandle handle, const std::uint8_t* bytes,
                                                  std::uint32_t length) = 0;
 };
+TARN_INTERFACE_ID(IHostMidiPorts, IID_IHostMidiPorts, IUnknown);
 
 // {3791D505-9F6B-4364-AC89-AD4EB8339061}
 inline constexpr IID IID_IHostMidiPorts2 =
@@ -42,3 +44,4 @@ struct IHostMidiPorts2 : IHostMidiPorts {
   virtual HRESULT STDMETHODCALLTYPE UseInputPort(std::int32_t id) = 0;
   virtual HRESULT STDMETHODCALLTYPE UseOutputPort(std::int32_t id) = 0;
 };
+TARN_INTERFACE_ID(IHostMidiPorts2, IID_IHostMidiPorts2, IHostMidiPorts);

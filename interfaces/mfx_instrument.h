@@ -5,6 +5,7 @@
 #include <cstdint>
 
 #include "platform/com.h"
+#include "platform/unknown_impl.h"
 
 // {857F3281-02A9-11D2-A8E0-0000A0090B97}
 inline constexpr IID IID_IMfxNameList =
@@ -32,6 +33,7 @@ struct IMfxNameList : IUnknown {
   virtual HRESULT STDMETHODCALLTYPE GetNameAt(std::int32_t index, char* name,
                                               std::uint32_t length) = 0;
 };
+TARN_INTERFACE_ID(IMfxNameList, IID_IMfxNameList, IUnknown);
 
 struct IMfxNameList2 : IMfxNameList {
   // The number of names held, not the highest key. E_POINTER for null.
@@ -49,6 +51,7 @@ struct IMfxNameList2 : IMfxNameList {
   virtual HRESULT STDMETHODCALLTYPE LookupName(std::int32_t key, char* name,
                                                std::int32_t length) = 0;
 };
+TARN_INTERFACE_ID(IMfxNameList2, IID_IMfxNameList2, IMfxNameList);
 
 // {2AC171DF-81E3-496C-BA7A-92EF10B417D9}
 inline constexpr IID IID_IMfxInstrument =
@@ -78,3 +81,4 @@ struct IMfxInstrument : IUnknown {
   virtual HRESULT STDMETHODCALLTYPE ReservedListA(void* a) = 0;
   virtual HRESULT STDMETHODCALLTYPE ReservedListB(void* a) = 0;
 };
+TARN_INTERFACE_ID(IMfxInstrument, IID_IMfxInstrument, IUnknown);
