@@ -8,7 +8,7 @@
 #include "platform/lock.h"
 #include "platform/notify.h"
 
-// [output workers] Held around each single port call, across all instances: ports are shared,
+// [output worker] Held around each single port call, across all instances: ports are shared,
 // and a system exclusive block must not be cut into by another instance's message.
 CCritSec& SendLock();
 

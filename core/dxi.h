@@ -38,15 +38,16 @@ struct AudioBuffer {
   std::int32_t silent;      // the data is to be taken as zero and has not been written
 };
 
-// [holder] Where the buffer's stretch starts: the sample's data plus `byteOffset`.
+// [streaming thread] Where the buffer's stretch starts: the sample's data plus `byteOffset`.
 std::uint8_t* DataAt(const AudioBuffer& buffer);
-// [holder] DataAt for a stretch that is about to be overwritten whole: clears `silent`, and
-// zeroes nothing first, as the write covers it.
+// [streaming thread] DataAt for a stretch that is about to be overwritten whole: clears
+// `silent`, and zeroes nothing first, as the write covers it.
 std::uint8_t* WritePosition(AudioBuffer& buffer);
-// [holder] Marks the buffer silent, and its sample too when the sample can say so.
+// [streaming thread] Marks the buffer silent, and its sample too when the sample can say so.
 void MarkSilent(AudioBuffer& buffer);
-// [holder] Makes a silent buffer read as silence when delivered: a sample that cannot say so
-// has `bytes` of its stretch (never past the sample's end) zeroed; one that can is left as it is.
+// [streaming thread] Makes a silent buffer read as silence when delivered: a sample that cannot
+// say so has `bytes` of its stretch (never past the sample's end) zeroed; one that can is left
+// as it is.
 void SettleSilence(AudioBuffer& buffer, std::int32_t bytes);
 
 using VoiceQueue = std::deque<HostEventRecord>;

@@ -18,7 +18,8 @@ HRESULT CSoftSynth::OnInput(std::uint32_t, IHostDataList* list) {
     const ShortMessage message{static_cast<std::uint32_t>(record.time), record.message};
     PostNotify(m_worker.NotifyWindow(), InputActivityMessage(), ActivityLevel(message), 0);
     // While the closed-loop test runs, what comes back is counted but must not go out again.
-    if (m_ports.OutputEnabled() && !m_closedLoopTest) m_worker.Post(CStoredEvent::FromMessage(message));
+    if (m_ports.OutputEnabled() && !m_closedLoopTest)
+      m_worker.Post(CStoredEvent::FromMessage(message));
     m_worker.CountInput();
   }
   return hr;

@@ -134,13 +134,13 @@ class CSoftSynth : public CDXiSynthContext,
   std::int32_t SamplesToTicks(std::int64_t samples) override;
 
   // --- the sequenced line: kept, adjusted and dropped in due time, never sent --------------
-  // [streaming thread or transport, instance lock] Takes every pending event whose sample time
+  // [streaming thread or host thread, instance lock] Takes every pending event whose sample time
   // lies in [stream position, stream position + frames) out of the pending list (the others
   // keep their order), adjusts it by its key's mixing state, and appends it to the voice queue.
   // Then each note-off in the queue leaves it and closes the oldest open note of its key: one
   // note per note-off per pass. The processing class's first negative answer, else 0.
   HRESULT RunEventWindow(std::int32_t frames);
-  // [streaming thread or transport, instance lock] Drops from the voice queue what is not a
+  // [streaming thread or host thread, instance lock] Drops from the voice queue what is not a
   // note once the stream has passed its time, and the notes that the processing class lets go.
   // Its first negative answer stops the walk and is the result; else 0.
   HRESULT FlushVoices(std::int32_t force);

@@ -12,7 +12,7 @@ struct IMfxInputPort;
 inline constexpr IID IID_IHostTempoMap =
     MakeGuid(0xFF76F7C3, 0xF166, 0x11D1, 0xA8, 0xE0, 0x00, 0x00, 0xA0, 0x09, 0x0D, 0xAF);
 struct IHostTempoMap : IUnknown {
-  // [any host call, instance lock]
+  // [host thread or streaming thread, instance lock]
   virtual std::int32_t STDMETHODCALLTYPE TicksToMsecs(std::int32_t ticks) = 0;
   virtual std::int32_t STDMETHODCALLTYPE MsecsToTicks(std::int32_t msecs) = 0;
   virtual std::int32_t STDMETHODCALLTYPE GetTicksPerQuarter() = 0;
@@ -23,7 +23,7 @@ TARN_INTERFACE_ID(IHostTempoMap, IID_IHostTempoMap, IUnknown);
 inline constexpr IID IID_IHostTimeConverter =
     MakeGuid(0xFF94ABA0, 0x4DF9, 0x4120, 0x94, 0x7D, 0x5E, 0x30, 0x3E, 0x49, 0xB8, 0x1F);
 struct IHostTimeConverter : IUnknown {
-  // [instance lock] Rewrites `time` in place into `format`.
+  // [host thread or streaming thread, instance lock] Rewrites `time` in place into `format`.
   virtual HRESULT STDMETHODCALLTYPE ConvertTime(HostTimeValue* time, std::uint32_t format) = 0;
 };
 TARN_INTERFACE_ID(IHostTimeConverter, IID_IHostTimeConverter, IUnknown);
@@ -32,7 +32,7 @@ TARN_INTERFACE_ID(IHostTimeConverter, IID_IHostTimeConverter, IUnknown);
 inline constexpr IID IID_IHostPinObserver =
     MakeGuid(0x439E1EF6, 0x2CBA, 0x48F8, 0xA8, 0x57, 0x51, 0xC5, 0x72, 0x4A, 0x4F, 0x6C);
 struct IHostPinObserver : IUnknown {
-  // [instance lock] Phase 1 before a change of the output pin count, which a negative answer
+  // [graph thread or host thread, instance lock] Phase 1 before a change of the output pin count, which a negative answer
   // refuses; phase 2 after it.
   virtual HRESULT STDMETHODCALLTYPE OnPinCountChange(std::int32_t phase, IUnknown* filter,
                                                      std::int32_t count) = 0;

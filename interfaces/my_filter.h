@@ -29,45 +29,60 @@ inline constexpr IID IID_IMyFilter =
 struct IMyFilter : IUnknown {
   // [editor thread] Activity goes to `editor`'s window from now on; null stops it.
   virtual HRESULT STDMETHODCALLTYPE SetEditorWindow(IEditorWindow* editor) = 0;
+  // [any thread] The host's ports with a reference added; E_POINTER, and null, without them.
   virtual HRESULT STDMETHODCALLTYPE GetPorts(IHostMidiPorts** ports) = 0;
+  // [editor thread or host thread] Takes the first port of that exact name and announces its
+  // id to a host that offers ids. No match: E_FAIL with the choice unchanged, and a warning box
+  // unless the name is empty.
   virtual HRESULT STDMETHODCALLTYPE SelectInputPort(std::wstring name) = 0;
+  // [editor thread or host thread] As SelectInputPort, for the output list.
   virtual HRESULT STDMETHODCALLTYPE SelectOutputPort(std::wstring name) = 0;
-  // Stored as given; only 1 to 16 force a channel.
+  // [editor thread or host thread] Stored as given; only 1 to 16 force a channel.
   virtual HRESULT STDMETHODCALLTYPE SetOutputRechannel(std::uint32_t channel) = 0;
+  // [any thread] The chosen port's index in the host's list; E_FAIL while none is chosen.
   virtual HRESULT STDMETHODCALLTYPE GetInputPortIndex(std::int32_t* index) = 0;
+  // [any thread] As GetInputPortIndex, for the output.
   virtual HRESULT STDMETHODCALLTYPE GetOutputPortIndex(std::int32_t* index) = 0;
+  // [any thread]
   virtual HRESULT STDMETHODCALLTYPE GetOutputRechannel(std::uint32_t* channel) = 0;
-  // False also forgets the output port's name and index.
+  // [editor thread or host thread] False also forgets the output port's name and index.
   virtual HRESULT STDMETHODCALLTYPE SetOutputEnabled(std::int32_t enabled) = 0;
+  // [editor thread or host thread]
   virtual HRESULT STDMETHODCALLTYPE SetMIDISync(std::int32_t enabled) = 0;
+  // [any thread]
   virtual HRESULT STDMETHODCALLTYPE GetMIDISync(std::int32_t* enabled) = 0;  // not null-tested
+  // [any thread]
   virtual HRESULT STDMETHODCALLTYPE GetEventCount(std::uint32_t* count) = 0;
   // [editor thread] A pointer into the list itself, valid until the list changes.
   virtual HRESULT STDMETHODCALLTYPE GetEvent(std::uint32_t index, CStoredEvent** event) = 0;
-  // [editor thread] A deep copy goes in before `index`; index == count appends.
+  // [editor thread or host thread] A deep copy goes in before `index`; index == count appends.
   virtual HRESULT STDMETHODCALLTYPE InsertEvent(std::uint32_t index, const CStoredEvent* event) = 0;
+  // [editor thread or host thread] E_FAIL for an index past the end.
   virtual HRESULT STDMETHODCALLTYPE RemoveEvent(std::uint32_t index) = 0;
-  // Hands out the instance's device store without adding a reference; null when it could not
-  // be made.
+  // [editor thread] Hands out the instance's device store without adding a reference; null
+  // when it could not be made.
   virtual HRESULT STDMETHODCALLTYPE GetInstrumentObject(CInstrument** instrument) = 0;
   // [any thread] Queues a copy for the worker; the post's result.
   virtual HRESULT STDMETHODCALLTYPE SendEvent(const CStoredEvent* event) = 0;
-  // Neither the pointer nor the index is tested.
+  // [any thread] Neither the pointer nor the index is tested.
   virtual HRESULT STDMETHODCALLTYPE GetSysexPrefixByte(std::uint8_t* value, std::int32_t index) = 0;
+  // [any thread]
   virtual HRESULT STDMETHODCALLTYPE GetSysexPrefixLength(std::uint32_t* length) = 0;
+  // [editor thread or host thread]
   virtual HRESULT STDMETHODCALLTYPE AssignSysexPrefix(std::vector<std::uint8_t> bytes) = 0;
-  // `bytes` may lie inside the old prefix.
+  // [editor thread or host thread] `bytes` may lie inside the old prefix.
   virtual HRESULT STDMETHODCALLTYPE SetSysexPrefix(const std::uint8_t* bytes,
                                                    std::uint32_t count) = 0;
+  // [editor thread]
   virtual HRESULT STDMETHODCALLTYPE OpenClosedLoopTest(NotifyHandle window) = 0;
-  // 1 while the worker runs and output is enabled.
+  // [any thread] 1 while the worker runs and output is enabled.
   virtual HRESULT STDMETHODCALLTYPE IsOutputActive(std::uint8_t* active) = 0;
-  // Messages in and out since the last clear; `clear` non-zero zeroes both.
+  // [editor thread] Messages in and out since the last clear; `clear` non-zero zeroes both.
   virtual HRESULT STDMETHODCALLTYPE GetEventCounters(std::uint32_t* received, std::uint32_t* sent,
                                                      std::uint8_t clear) = 0;
-  // [test thread] One message to the worker; fails while output is disabled.
+  // [editor thread] One message to the worker; fails while output is disabled.
   virtual HRESULT STDMETHODCALLTYPE SendTestMessage(std::uint32_t message) = 0;
-  // While set, live input is counted and shown but not sent.
+  // [editor thread] While set, live input is counted and shown but not sent.
   virtual HRESULT STDMETHODCALLTYPE SetClosedLoopTest(std::uint8_t running) = 0;
 };
 
