@@ -265,16 +265,20 @@ HRESULT CMediaParams::SetSampleRate(std::int32_t rate) noexcept {
 HRESULT CMediaParams::GetSliceBoundaries(std::int64_t start, std::int64_t end,
                                          std::vector<std::int64_t>& positions) {
   positions.clear();
-  CParamEnvelope& envelope = m_envelopes[0];
-  const std::size_t segments = envelope.SegmentCount();
-  if (segments == 0 || end <= start) return S_OK;
+  if (end <= start) return S_OK;
   // Compared without subtracting: end - start could leave 64 bits.
-  if (start < 0 ? end > start + kLongestRange : end - kLongestRange > start) return E_INVALIDARG;
+  const bool tooLong = start < 0 ? end > start + kLongestRange : end - kLongestRange > start;
   const std::int32_t rate = SampleRate();
   const auto interval = static_cast<std::int64_t>(kSliceInterval * rate);
-  const std::int64_t length = end - start;
-  positions.reserve(static_cast<std::size_t>(interval > 0 ? length / interval : 0) + 1 +
-                    2 * segments);
+  const auto multiples =
+      tooLong ? 0 : static_cast<std::size_t>(interval > 0 ? (end - start) / interval : 0) + 1;
+  // The segments' own positions first: one pass under the lock, which also tells whether any
+  // segments exist at all. The order does not matter, as the list is sorted at the end.
+  if (!m_envelopes[0].AppendSegmentPositions(start, end, rate, multiples, positions)) return S_OK;
+  if (tooLong) {
+    positions.clear();
+    return E_INVALIDARG;
+  }
   // Below 50 Hz the interval is no sample at all: then only the segments cut.
   // Each step is checked against the room left, so no sum leaves 64 bits.
   if (interval > 0) {
@@ -290,7 +294,6 @@ HRESULT CMediaParams::GetSliceBoundaries(std::int64_t start, std::int64_t end,
       multiple += interval;
     }
   }
-  envelope.AppendSegmentPositions(start, end, rate, positions);
   std::sort(positions.begin(), positions.end());
   return S_OK;
 }

@@ -104,7 +104,7 @@ class CMediaParams final : public IMediaParams,
   // ascending order, duplicates kept: every multiple of the slice interval in samples, and each
   // segment's start and end. Empty without segments. `positions` is cleared first and grows only
   // when it lacks room, so a list kept across buffers allocates nothing once it is large enough.
-  // E_INVALIDARG for a range longer than any buffer (over 2^31 - 1 samples).
+  // With segments, E_INVALIDARG for a range longer than any buffer (over 2^31 - 1 samples).
   HRESULT GetSliceBoundaries(std::int64_t start, std::int64_t end,
                              std::vector<std::int64_t>& positions);
   // [streaming thread] Evaluates the envelope of "Enabled" at sample `position` of the stream.

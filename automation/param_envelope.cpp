@@ -242,10 +242,12 @@ void CParamEnvelope::Flush(std::int64_t start, std::int64_t end, std::int32_t ra
   SettleLocked();
 }
 
-void CParamEnvelope::AppendSegmentPositions(std::int64_t from, std::int64_t to, std::int32_t rate,
+bool CParamEnvelope::AppendSegmentPositions(std::int64_t from, std::int64_t to, std::int32_t rate,
+                                            std::size_t extra,
                                             std::vector<std::int64_t>& positions) {
   CAutoLock lock(*this);
-  positions.reserve(positions.size() + 2 * m_segments.size());
+  if (m_segments.empty()) return false;
+  positions.reserve(positions.size() + extra + 2 * m_segments.size());
   const double perUnit = rate * 1e-7;
   for (const MP_ENVELOPE_SEGMENT& segment : m_segments) {
     for (const std::int64_t time : {segment.rtStart, segment.rtEnd}) {
@@ -253,6 +255,7 @@ void CParamEnvelope::AppendSegmentPositions(std::int64_t from, std::int64_t to, 
       if (position >= from && position < to) positions.push_back(position);
     }
   }
+  return true;
 }
 
 std::size_t CParamEnvelope::SegmentCount() {

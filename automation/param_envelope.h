@@ -73,9 +73,10 @@ class CParamEnvelope : public CCritSec {
   // with no segments left the value counts as set directly.
   void Flush(std::int64_t start, std::int64_t end, std::int32_t rate);
   // [streaming thread] Appends the sample position of every segment start and end at `rate` that
-  // lies in [from, to). Allocates only when `positions` lacks room for two per segment.
-  void AppendSegmentPositions(std::int64_t from, std::int64_t to, std::int32_t rate,
-                              std::vector<std::int64_t>& positions);
+  // lies in [from, to), after making room for `extra` more positions as well: allocates only
+  // when `positions` lacks that room. False, with nothing changed, when there are no segments.
+  bool AppendSegmentPositions(std::int64_t from, std::int64_t to, std::int32_t rate,
+                              std::size_t extra, std::vector<std::int64_t>& positions);
   // [any thread]
   std::size_t SegmentCount();
   // [any thread] A copy of the segments in their order, for inspection.
