@@ -5,6 +5,7 @@
 #include <limits>
 #include <string>
 #include <string_view>
+#include <thread>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -255,6 +256,26 @@ TEST(MediaParams, EvaluatesEnabledAtASamplePositionOfTheStream) {
   EXPECT_DOUBLE_EQ(params->Envelope(0).FirstDelta(), 1.0 / 44100);
   ASSERT_EQ(params->UpdateValuesForSample(std::numeric_limits<std::int64_t>::max()), S_OK);
   EXPECT_EQ(params.Get(), 1.0f) << "far past the end, the end value holds";
+}
+
+TEST(MediaParams, HostCallsMayRaceTheStreamingThread) {
+  Params params;
+  std::thread streaming([&] {
+    std::vector<std::int64_t> positions;
+    for (std::int64_t position = 0; position < 2000 * 1024; position += 1024) {
+      params->GetSliceBoundaries(position, position + 1024, positions);
+      for (const std::int64_t change : positions) params->UpdateValuesForSample(change);
+      params->UpdateValuesForSample(position);
+    }
+  });
+  for (std::int64_t i = 0; i < 2000; ++i) {
+    params.Add({Linear(i * 200'000, (i + 1) * 200'000, 0, 1)});
+    params->SetParam(0, (i % 2) ? 1.0f : 0.0f);
+    params.Get();
+    if (i % 100 == 99) params->FlushEnvelope(0, 0, i * 100'000);
+  }
+  streaming.join();
+  EXPECT_GT(params->Envelope(0).SegmentCount(), 0u);
 }
 
 }  // namespace
