@@ -79,6 +79,7 @@ class CMediaParams final : public IMediaParams,
   HRESULT STDMETHODCALLTYPE GetCurrentTimeFormat(GUID* format, std::uint32_t* data) override;
 
   // --- IMediaParamsSetUICallback --------------------------------------------------------------------
+  // [host thread] Keeps a reference to `callback`, or none for null, and lets the old one go.
   HRESULT STDMETHODCALLTYPE SetUICallback(IMediaParamsUICallback* callback) override;
 
   // --- IMediaParamsUICallback: each forwards to the stored callback and returns its answer, or
@@ -99,6 +100,7 @@ class CMediaParams final : public IMediaParams,
   // [graph thread] The stream's sample rate; a rate that is not positive: E_INVALIDARG, and the
   // old one stays.
   HRESULT SetSampleRate(std::int32_t rate) noexcept;
+  // [any thread] 44100 until the stream's rate is stored.
   std::int32_t SampleRate() const noexcept { return m_sampleRate.load(std::memory_order_relaxed); }
   // [streaming thread] The sample positions in [start, end) where "Enabled" may change, in
   // ascending order, duplicates kept: every multiple of the slice interval in samples, and each

@@ -82,7 +82,7 @@ class CParamEnvelope : public CCritSec {
   // [any thread] A copy of the segments in their order, for inspection.
   std::vector<MP_ENVELOPE_SEGMENT> Segments();
 
-  // --- state, for inspection -----------------------------------------------------------------------
+  // --- state, for inspection; [any thread] -----------------------------------------------------------
   float CurrentValue() const noexcept { return m_current.load(std::memory_order_relaxed); }
   float OverrideValue() const noexcept { return m_overrideValue.load(std::memory_order_relaxed); }
   double FirstDelta() const noexcept { return m_firstDelta.load(std::memory_order_relaxed); }
