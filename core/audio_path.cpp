@@ -1,6 +1,7 @@
 // Audio through the instance: each input buffer is cut into segments, each segment runs the
 // event window and the processing class, and every connected output pin gets a buffer that is
-// delivered whole at the end. Nothing here allocates unless parameters change inside a buffer.
+// delivered whole at the end. Nothing here allocates, except when an envelope outgrows the list
+// of change positions kept from buffer to buffer.
 #include <algorithm>
 #include <optional>
 
@@ -116,11 +117,18 @@ void CFilter::CollectConnectedOutputs(CFilterOutputPin** pins, std::int32_t capa
     if (n < capacity && pin->IsConnected()) pins[n++] = pin;
 }
 
-HRESULT CFilter::ParameterChanges(std::int64_t, std::int32_t, std::vector<std::int64_t>&) {
-  return S_OK;
+HRESULT CFilter::ParameterChanges(std::int64_t from, std::int32_t frames,
+                                  std::vector<std::int64_t>& changes) {
+  if (!m_mediaParams) {
+    changes.clear();
+    return S_OK;
+  }
+  return m_mediaParams->GetSliceBoundaries(from, from + frames, changes);
 }
 
-HRESULT CFilter::ApplyParameters(std::int64_t) { return S_OK; }
+HRESULT CFilter::ApplyParameters(std::int64_t position) {
+  return m_mediaParams ? m_mediaParams->UpdateValuesForSample(position) : S_OK;
+}
 
 HRESULT CFilter::ReceiveAudio(IMediaSample* sample) {
   std::int32_t count = 0;
@@ -145,7 +153,7 @@ HRESULT CFilter::ReceiveAudio(IMediaSample* sample) {
   const std::int64_t position = m_inputSample.load(std::memory_order_relaxed);
   const std::int32_t frames = sample->GetActualDataLength() / in.nBlockAlign;
   AudioBuffer input{frames, 0, 0, sample, ReadBackSilence(sample)};
-  std::vector<std::int64_t> changes;
+  std::vector<std::int64_t>& changes = m_paramChanges;
   HRESULT hr = ParameterChanges(position, frames, changes);
   if (FAILED(hr)) return hr;
 

@@ -30,6 +30,8 @@ CFilter::CFilter(IUnknown* outer, HRESULT* phr)
   m_inputPin.reset(new (std::nothrow) CFilterInputPin(this, m_lock, &hr));
   if (!m_inputPin) hr = E_OUTOFMEMORY;
   if (FAILED(hr)) return;
+  hr = CMediaParams::Create(GetOwner(), &m_mediaParams);
+  if (FAILED(hr)) return;
   hr = AddOutputPin(nullptr, nullptr);
   if (FAILED(hr)) return;
   hr = Initialize();
@@ -38,6 +40,7 @@ CFilter::CFilter(IUnknown* outer, HRESULT* phr)
 CFilter::~CFilter() {
   EndAllWorkers();  // before any member goes: a worker may still be finishing a batch
   for (CFilterOutputPin* pin : m_outputPins) pin->ReleaseListReference();
+  if (m_mediaParams) m_mediaParams->ReleaseOwnerReference();
 }
 
 HRESULT CFilter::NonDelegatingQueryInterface(REFIID iid, void** object) {
@@ -54,6 +57,7 @@ HRESULT CFilter::NonDelegatingQueryInterface(REFIID iid, void** object) {
   if (iid == IID_IExternalDeviceProxy3 || iid == IID_IExternalDeviceProxy2 ||
       iid == IID_IExternalDeviceProxy)
     return GetInterface(static_cast<IExternalDeviceProxy3*>(this), object);
+  if (m_mediaParams && CMediaParams::IsFacet(iid)) return m_mediaParams->QueryFacet(iid, object);
   return CBaseFilter::NonDelegatingQueryInterface(iid, object);
 }
 

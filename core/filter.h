@@ -10,6 +10,7 @@
 #include <optional>
 #include <vector>
 
+#include "automation/media_params.h"
 #include "core/dxi.h"
 #include "core/filter_pins.h"
 #include "interfaces/ole_interfaces.h"
@@ -86,6 +87,8 @@ class CFilter final : public CSoftSynth,
     return S_OK;
   }
   CFilterInputPin& InputPin() noexcept { return *m_inputPin; }
+  // The automation object; null only when construction failed before it.
+  CMediaParams* MediaParams() noexcept { return m_mediaParams; }
 
   // --- filter frame ---------------------------------------------------------------------------
   // Pin 0 is the input, then the output pins in list order.
@@ -133,14 +136,16 @@ class CFilter final : public CSoftSynth,
   // input position to that time and gives it back, to be set on the output samples.
   std::optional<REFERENCE_TIME> TakeDiscontinuity(IMediaSample* sample, std::uint32_t rate);
   // [streaming thread] The sample positions in [from, from + frames) where an automated
-  // parameter changes, in order. No parameter is automated yet, so the list stays empty and
-  // nothing is allocated.
+  // parameter changes, in order; empty without an envelope. The list keeps its room across
+  // buffers, so it allocates only when an envelope outgrows it.
   HRESULT ParameterChanges(std::int64_t from, std::int32_t frames,
                            std::vector<std::int64_t>& changes);
   // [streaming thread] Brings automated parameters up to `position`.
   HRESULT ApplyParameters(std::int64_t position);
 
   std::unique_ptr<CFilterInputPin> m_inputPin;
+  CMediaParams* m_mediaParams = nullptr;  // holds the owner's one reference
+  std::vector<std::int64_t> m_paramChanges;  // streaming thread only
   std::vector<CFilterOutputPin*> m_outputPins;  // each holds one reference of the list
   // The sample position of the next input sample: set by the graph thread, moved by the
   // streaming thread.

@@ -1,5 +1,7 @@
 #include "core/filter_pins.h"
 
+#include <algorithm>
+
 #include "core/filter.h"
 
 namespace {
@@ -21,6 +23,9 @@ HRESULT CFilterInputPin::CheckMediaType(const CMediaType& type) {
 
 HRESULT CFilterInputPin::SetMediaType(const CMediaType& type) {
   m_instance->SetInputFormat(*type.WaveFormatPtr());  // checked before it is set
+  if (CMediaParams* params = m_instance->MediaParams())
+    params->SetSampleRate(static_cast<std::int32_t>(
+        std::min<std::uint32_t>(type.WaveFormatPtr()->nSamplesPerSec, INT32_MAX)));
   return CBaseInputPin::SetMediaType(type);
 }
 

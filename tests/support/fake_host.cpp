@@ -283,3 +283,39 @@ HRESULT FakeHostContext::QueryInterface(REFIID iid, void** out) {
     return midiPorts->QueryInterface(iid, out);
   return E_NOINTERFACE;
 }
+
+// --- automation callback --------------------------------------------------------------------------
+
+HRESULT FakeParamsUICallback::QueryInterface(REFIID iid, void** out) {
+  return ::Answer<IMediaParamsUICallback>(this, iid, out,
+                                          {IID_IUnknown, IID_IMediaParamsUICallback});
+}
+
+HRESULT FakeParamsUICallback::Record(Kind kind, const std::uint32_t* indices,
+                                     std::uint32_t count, const MP_DATA* values) {
+  std::lock_guard lock(m_mutex);
+  Call call{kind, std::vector<std::uint32_t>(indices, indices + count), {}};
+  if (values) call.values.assign(values, values + count);
+  m_calls.push_back(std::move(call));
+  return m_answer;
+}
+
+HRESULT FakeParamsUICallback::ParamsBeginCapture(const std::uint32_t* indices,
+                                                 std::uint32_t count) {
+  return Record(Kind::kBeginCapture, indices, count, nullptr);
+}
+
+HRESULT FakeParamsUICallback::ParamsChanged(const std::uint32_t* indices, std::uint32_t count,
+                                            const MP_DATA* values) {
+  return Record(Kind::kChanged, indices, count, values);
+}
+
+HRESULT FakeParamsUICallback::ParamsEndCapture(const std::uint32_t* indices,
+                                               std::uint32_t count) {
+  return Record(Kind::kEndCapture, indices, count, nullptr);
+}
+
+std::vector<FakeParamsUICallback::Call> FakeParamsUICallback::Calls() const {
+  std::lock_guard lock(m_mutex);
+  return m_calls;
+}

@@ -11,8 +11,9 @@
 #include <vector>
 
 #include "interfaces/host_interfaces.h"
-#include "interfaces/mfx_interfaces.h"
 #include "interfaces/host_midi_ports.h"
+#include "interfaces/media_params.h"
+#include "interfaces/mfx_interfaces.h"
 #include "tests/support/fake_unknown.h"
 
 using FakeClock = std::chrono::steady_clock;
@@ -168,6 +169,37 @@ class FakeInputSink final : public IHostInputSink, public FakeRefCount<FakeInput
   std::vector<HostEventRecord> m_records;
   std::vector<IMfxInputPort*> m_senders;
   bool m_fail = false;
+};
+
+// The host's automation callback: records each call in order and answers a chosen result.
+class FakeParamsUICallback final : public IMediaParamsUICallback,
+                                   public FakeRefCount<FakeParamsUICallback> {
+ public:
+  enum class Kind { kBeginCapture, kChanged, kEndCapture };
+  struct Call {
+    Kind kind;
+    std::vector<std::uint32_t> indices;
+    std::vector<MP_DATA> values;  // ParamsChanged only
+  };
+  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** out) override;
+  TARN_FAKE_IUNKNOWN
+  HRESULT STDMETHODCALLTYPE ParamsBeginCapture(const std::uint32_t* indices,
+                                               std::uint32_t count) override;
+  HRESULT STDMETHODCALLTYPE ParamsChanged(const std::uint32_t* indices, std::uint32_t count,
+                                          const MP_DATA* values) override;
+  HRESULT STDMETHODCALLTYPE ParamsEndCapture(const std::uint32_t* indices,
+                                             std::uint32_t count) override;
+
+  void Answer(HRESULT result) { m_answer = result; }
+  std::vector<Call> Calls() const;
+
+ private:
+  HRESULT Record(Kind kind, const std::uint32_t* indices, std::uint32_t count,
+                 const MP_DATA* values);
+
+  mutable std::mutex m_mutex;
+  std::vector<Call> m_calls;
+  HRESULT m_answer = S_OK;
 };
 
 // The context object a host passes to Connect. It answers only the interfaces it was given.
