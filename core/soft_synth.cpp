@@ -8,7 +8,9 @@
 #include "core/output_worker.h"
 #include "platform/codepage.h"
 
-CSoftSynth::CSoftSynth() : m_instrument(new (std::nothrow) CInstrument()) {}
+CSoftSynth::CSoftSynth()
+    : CMultiInstanceTracker(static_cast<IMyFilter*>(this)),
+      m_instrument(new (std::nothrow) CInstrument()) {}
 
 // Workers are ended by the most derived class, while the instance lock still stands.
 CSoftSynth::~CSoftSynth() = default;

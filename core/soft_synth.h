@@ -26,6 +26,7 @@
 #include "platform/lock.h"
 #include "platform/notify.h"
 #include "ports/host_midi_ports.h"
+#include "ports/instance_tracker.h"
 
 struct WorkerRun;
 class WorkerThread;
@@ -36,7 +37,9 @@ struct WorkerBlock {
   std::atomic<NotifyHandle> m_notifyWindow{0};
 };
 
-class CSoftSynth : public CDXiSynthContext,
+// The tracker is the first base so that it is built first and destroyed last.
+class CSoftSynth : public CMultiInstanceTracker,
+                   public CDXiSynthContext,
                    public IMfxSoftSynth2,
                    public IMfxNotify,
                    public IMfxInputPort,
