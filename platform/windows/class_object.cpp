@@ -2,7 +2,9 @@
 #include "platform/windows/system.h"
 
 CComScope::CComScope() noexcept {
-  const HRESULT hr = CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
+  // A free-threaded apartment needs no window; where the thread has an apartment already, the
+  // call fails and that one serves.
+  const HRESULT hr = CoInitializeEx(nullptr, COINIT_MULTITHREADED);
   m_started = SUCCEEDED(hr);  // S_FALSE too: the call is counted and must be matched
 }
 

@@ -73,8 +73,8 @@ class LoadedModuleTest : public ::testing::Test {
 };
 
 TEST_F(LoadedModuleTest, HostFindsTheRegisteredSynthCreatesItAndTheModuleUnloadsAfter) {
-  IAMovieSetup* setup = nullptr;
 #ifndef _WIN32
+  IAMovieSetup* setup = nullptr;
   EXPECT_EQ(CreateRegisteredObject(CLSID_TarnFilter, nullptr, IID_IAMovieSetup,
                                    reinterpret_cast<void**>(&setup)),
             REGDB_E_CLASSNOTREG);
