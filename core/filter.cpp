@@ -49,6 +49,7 @@ HRESULT CFilter::NonDelegatingQueryInterface(REFIID iid, void** object) {
   if (iid == IID_ISpecifyPropertyPages)
     return GetInterface(static_cast<ISpecifyPropertyPages*>(this), object);
   if (iid == IID_IPersistStream) return GetInterface(static_cast<IPersistStream*>(this), object);
+  if (iid == IID_IAMovieSetup) return GetInterface(static_cast<IAMovieSetup*>(this), object);
   if (iid == IID_IMfxSoftSynth2 || iid == IID_IMfxSoftSynth)
     return GetInterface(static_cast<IMfxSoftSynth2*>(this), object);
   if (iid == IID_IMfxNotify) return GetInterface(static_cast<IMfxNotify*>(this), object);

@@ -16,6 +16,7 @@
 #include "interfaces/ole_interfaces.h"
 #include "core/soft_synth.h"
 #include "frame/base_filter.h"
+#include "interfaces/movie_setup.h"
 
 // {D8DF3849-A01D-4254-A57D-5515BF9E3886}
 inline constexpr CLSID CLSID_TarnFilter =
@@ -29,7 +30,8 @@ class CFilter final : public CSoftSynth,
                       public CBaseFilter,
                       public ISpecifyPropertyPages,
                       public IDispatch,
-                      public IPersistStream {
+                      public IPersistStream,
+                      public IAMovieSetup {
  public:
   // The factory's creation entry: builds an instance and answers its non-delegating face, with
   // the construction result in `*phr`; null when the allocation fails.
@@ -121,6 +123,10 @@ class CFilter final : public CSoftSynth,
   HRESULT STDMETHODCALLTYPE Load(IStream*) override { return E_NOTIMPL; }
   HRESULT STDMETHODCALLTYPE Save(IStream*, std::int32_t) override { return E_NOTIMPL; }
   HRESULT STDMETHODCALLTYPE GetSizeMax(ULARGE_INTEGER*) override { return E_NOTIMPL; }
+
+  // --- IAMovieSetup: the module's registration lists the filter; it has no setup of its own ---
+  HRESULT STDMETHODCALLTYPE Register() override { return S_FALSE; }
+  HRESULT STDMETHODCALLTYPE Unregister() override { return S_FALSE; }
 
  private:
   CFilter(IUnknown* outer, HRESULT* phr);

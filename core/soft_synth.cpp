@@ -7,7 +7,8 @@
 #include "platform/codepage.h"
 
 CSoftSynth::CSoftSynth()
-    : m_worker(m_connection, m_ports, static_cast<IMfxInputPort*>(this)),
+    : CMultiInstanceTracker(static_cast<IMyFilter*>(this)),
+      m_worker(m_connection, m_ports, static_cast<IMfxInputPort*>(this)),
       m_instrument(new (std::nothrow) CInstrument()) {}
 
 // Workers are ended by the most derived class, while the instance lock still stands. The host

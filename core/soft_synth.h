@@ -28,9 +28,12 @@
 #include "platform/com_ptr.h"
 #include "platform/lock.h"
 #include "platform/notify.h"
+#include "ports/instance_tracker.h"
 #include "ports/port_choice.h"
 
-class CSoftSynth : public CDXiSynthContext,
+// The tracker is the first base so that it is built first and destroyed last.
+class CSoftSynth : public CMultiInstanceTracker,
+                   public CDXiSynthContext,
                    public IMfxSoftSynth2,
                    public IMfxNotify,
                    public IMfxInputPort,

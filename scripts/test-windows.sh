@@ -22,4 +22,7 @@ if [ -f "$WINEPREFIX/system.reg" ]; then
 else
   WINEDLLOVERRIDES="mscoree,mshtml=" wineboot -i >build/windows/wineboot.log 2>&1
 fi
+# Besides the test executables this runs module_regsvr32: Wine's own regsvr32 registers Tarn.dll
+# in this prefix, a separate client creates the filter by its class identifier, and regsvr32 /u
+# takes every key away again. It needs the prefix's services (RpcSs) started above.
 ctest --preset windows -j "$(nproc)"

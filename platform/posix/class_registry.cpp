@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <fstream>
 #include <map>
+#include <mutex>
 #include <system_error>
 
 #include "platform/class_registry.h"
@@ -19,7 +20,14 @@ using ValueMap = std::map<std::string, std::string>;
 
 constexpr const char* kValuesFile = ".values";
 
+std::mutex g_rootLock;
+fs::path g_explicitRoot;  // empty: the user's configuration folder
+
 fs::path RegistryRoot() {
+  {
+    std::lock_guard lock(g_rootLock);
+    if (!g_explicitRoot.empty()) return g_explicitRoot;
+  }
   const char* config = std::getenv("XDG_CONFIG_HOME");
   if (config && config[0] == '/') return fs::path(config) / "tarn" / "registry";
   const char* home = std::getenv("HOME");
@@ -110,6 +118,12 @@ bool WriteValues(const fs::path& folder, const ValueMap& values) {
 
 }  // namespace
 
+void SetClassRegistryRoot(std::wstring_view root) {
+  fs::path folder = root.empty() ? fs::path() : fs::path(WideToNarrow(root));
+  std::lock_guard lock(g_rootLock);
+  g_explicitRoot = std::move(folder);
+}
+
 bool CreateRegistryKey(std::wstring_view key, std::span<const RegistryValue> values) {
   const fs::path folder = KeyFolder(key);
   if (folder.empty()) return false;
@@ -120,6 +134,15 @@ bool CreateRegistryKey(std::wstring_view key, std::span<const RegistryValue> val
   ValueMap stored = ReadValues(folder);
   for (const RegistryValue& value : values) stored[Escape(value.name)] = Escape(value.data);
   return WriteValues(folder, stored);
+}
+
+bool SetRegistryStringBytes(std::wstring_view key, std::wstring_view name, const wchar_t* data,
+                            std::uint32_t utf16Bytes) {
+  // Registry text is UTF-16 on the wire; here a character of the BMP is one wchar_t.
+  std::wstring text(data ? data : L"", data ? utf16Bytes / 2 : 0);
+  while (!text.empty() && text.back() == L'\0') text.pop_back();
+  const RegistryValue value{std::wstring(name), std::move(text)};
+  return CreateRegistryKey(key, std::span(&value, 1));
 }
 
 std::optional<std::wstring> ReadRegistryValue(std::wstring_view key, std::wstring_view name) {

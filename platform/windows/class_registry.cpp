@@ -1,12 +1,25 @@
 #include <algorithm>
+#include <mutex>
 
 #include "platform/class_registry.h"
 #include "platform/windows/system.h"
 
 namespace {
 
-// The API takes terminated strings; views are copied once here.
-std::wstring Terminated(std::wstring_view text) { return std::wstring(text); }
+std::mutex g_rootLock;
+std::wstring g_explicitRoot;  // below HKEY_CURRENT_USER; empty: HKEY_CLASSES_ROOT
+
+// Where `key` lives: the root key and the terminated path below it.
+struct Place {
+  HKEY root;
+  std::wstring path;
+};
+
+Place Locate(std::wstring_view key) {
+  std::lock_guard lock(g_rootLock);
+  if (g_explicitRoot.empty()) return {HKEY_CLASSES_ROOT, std::wstring(key)};
+  return {HKEY_CURRENT_USER, g_explicitRoot + L"\\" + std::wstring(key)};
+}
 
 // Owns an open key.
 class OpenKey {
@@ -34,28 +47,47 @@ bool SetString(HKEY key, const RegistryValue& value) {
 
 }  // namespace
 
+void SetClassRegistryRoot(std::wstring_view root) {
+  std::lock_guard lock(g_rootLock);
+  g_explicitRoot = root;
+}
+
 bool CreateRegistryKey(std::wstring_view key, std::span<const RegistryValue> values) {
   if (key.empty()) return false;
+  const Place place = Locate(key);
   OpenKey opened;
-  if (RegCreateKeyExW(HKEY_CLASSES_ROOT, Terminated(key).c_str(), 0, nullptr, 0, KEY_SET_VALUE,
+  if (RegCreateKeyExW(place.root, place.path.c_str(), 0, nullptr, 0, KEY_SET_VALUE,
                       nullptr, opened.Receive(), nullptr) != ERROR_SUCCESS)
     return false;
   return std::all_of(values.begin(), values.end(),
                      [&](const RegistryValue& value) { return SetString(opened.Get(), value); });
 }
 
+bool SetRegistryStringBytes(std::wstring_view key, std::wstring_view name, const wchar_t* data,
+                            std::uint32_t utf16Bytes) {
+  if (key.empty()) return false;
+  const Place place = Locate(key);
+  OpenKey opened;
+  if (RegCreateKeyExW(place.root, place.path.c_str(), 0, nullptr, 0, KEY_SET_VALUE, nullptr,
+                      opened.Receive(), nullptr) != ERROR_SUCCESS)
+    return false;
+  const std::wstring valueName(name);
+  return RegSetValueExW(opened.Get(), valueName.empty() ? nullptr : valueName.c_str(), 0, REG_SZ,
+                        reinterpret_cast<const BYTE*>(data), utf16Bytes) == ERROR_SUCCESS;
+}
+
 std::optional<std::wstring> ReadRegistryValue(std::wstring_view key, std::wstring_view name) {
   if (key.empty()) return std::nullopt;
-  const std::wstring path = Terminated(key);
-  const std::wstring valueName = Terminated(name);
+  const Place place = Locate(key);
+  const std::wstring valueName(name);
   // A value may change between asking its size and reading it: ask again until it fits.
   for (;;) {
     DWORD bytes = 0;
-    if (RegGetValueW(HKEY_CLASSES_ROOT, path.c_str(), valueName.c_str(), RRF_RT_REG_SZ, nullptr,
+    if (RegGetValueW(place.root, place.path.c_str(), valueName.c_str(), RRF_RT_REG_SZ, nullptr,
                      nullptr, &bytes) != ERROR_SUCCESS)
       return std::nullopt;
     std::wstring data(bytes / sizeof(wchar_t), L'\0');
-    const LSTATUS status = RegGetValueW(HKEY_CLASSES_ROOT, path.c_str(), valueName.c_str(),
+    const LSTATUS status = RegGetValueW(place.root, place.path.c_str(), valueName.c_str(),
                                         RRF_RT_REG_SZ, nullptr, data.data(), &bytes);
     if (status == ERROR_MORE_DATA) continue;
     if (status != ERROR_SUCCESS) return std::nullopt;
@@ -67,15 +99,18 @@ std::optional<std::wstring> ReadRegistryValue(std::wstring_view key, std::wstrin
 
 bool DeleteRegistryTree(std::wstring_view key) {
   if (key.empty()) return false;  // never the whole root
-  const LSTATUS status = RegDeleteTreeW(HKEY_CLASSES_ROOT, Terminated(key).c_str());
+  const Place place = Locate(key);
+  const LSTATUS status = RegDeleteTreeW(place.root, place.path.c_str());
   return status == ERROR_SUCCESS || status == ERROR_FILE_NOT_FOUND;
 }
 
 std::vector<std::wstring> RegistrySubkeys(std::wstring_view key) {
   std::vector<std::wstring> names;
+  if (key.empty()) return names;
+  const Place place = Locate(key);
   OpenKey opened;
-  if (key.empty() || RegOpenKeyExW(HKEY_CLASSES_ROOT, Terminated(key).c_str(), 0,
-                                   KEY_ENUMERATE_SUB_KEYS, opened.Receive()) != ERROR_SUCCESS)
+  if (RegOpenKeyExW(place.root, place.path.c_str(), 0, KEY_ENUMERATE_SUB_KEYS,
+                    opened.Receive()) != ERROR_SUCCESS)
     return names;
   wchar_t name[256];  // the longest key name the system allows, and its terminator
   for (DWORD index = 0;; ++index) {

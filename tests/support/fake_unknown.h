@@ -29,3 +29,20 @@ class FakeRefCount {
 #define TARN_FAKE_IUNKNOWN                                                             \
   ULONG STDMETHODCALLTYPE AddRef() override { return AddRefImpl(); }                   \
   ULONG STDMETHODCALLTYPE Release() override { return ReleaseImpl(); }
+
+// An outer object for aggregation: answers IUnknown only, and counts the references that the
+// inner object's delegating faces pass to it.
+class FakeOuterUnknown final : public IUnknown, public FakeRefCount<FakeOuterUnknown> {
+ public:
+  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {
+    if (!object) return E_POINTER;
+    if (iid != IID_IUnknown) {
+      *object = nullptr;
+      return E_NOINTERFACE;
+    }
+    *object = static_cast<IUnknown*>(this);
+    AddRef();
+    return S_OK;
+  }
+  TARN_FAKE_IUNKNOWN
+};
