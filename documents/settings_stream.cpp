@@ -4,6 +4,7 @@
 #include <cstring>
 #include <cwchar>
 #include <limits>
+#include <memory>
 #include <optional>
 
 #include "documents/base64_coder.h"
@@ -214,24 +215,44 @@ HRESULT WriteAll(IStream& stream, const void* bytes, std::uint32_t size) {
   return written == size ? S_OK : STG_E_MEDIUMFULL;
 }
 
-// Reads up to `length` bytes, in blocks that grow with what has arrived, so that a length field
-// larger than the stream costs no more than the stream holds. The result of a read is not
-// needed beyond its count: a short or failed read ends the text where it stands.
-std::string ReadText(IStream& stream, std::uint32_t length) {
+// How many bytes the stream holds after its position, when it can say.
+std::optional<std::uint64_t> BytesLeft(IStream& stream) {
+  STATSTG stat{};
+  if (FAILED(stream.Stat(&stat, STATFLAG_NONAME))) return std::nullopt;
+  LARGE_INTEGER none{};
+  ULARGE_INTEGER position{};
+  if (FAILED(stream.Seek(none, STREAM_SEEK_CUR, &position))) return std::nullopt;
+  if (position.QuadPart > stat.cbSize.QuadPart) return 0;
+  return stat.cbSize.QuadPart - position.QuadPart;
+}
+
+// Up to `length` bytes of text, zero-terminated. A stream that tells its size gets one buffer
+// of what it holds; others are read in blocks that grow with what has arrived. Either way a
+// length field larger than the stream costs no more than the stream's bytes. The result of a
+// read is not needed beyond its count: a short or failed read ends the text where it stands,
+// and no byte past what arrived is ever read.
+std::unique_ptr<char[]> ReadText(IStream& stream, std::uint32_t length) {
   constexpr std::size_t kFirstBlock = 64 * 1024;
-  std::string text;
+  std::size_t capacity = kFirstBlock;
+  if (const auto left = BytesLeft(stream)) capacity = static_cast<std::size_t>(*left);
+  capacity = std::min<std::size_t>(capacity, length);
+  auto text = std::make_unique_for_overwrite<char[]>(capacity + 1);
   std::size_t filled = 0;
   while (filled < length) {
-    const std::size_t block =
-        std::min<std::size_t>(length - filled, std::max(kFirstBlock, filled));
-    text.resize(filled + block);
+    if (filled == capacity) {
+      const std::size_t grown = std::min<std::size_t>(length, capacity * 2 + kFirstBlock);
+      auto bigger = std::make_unique_for_overwrite<char[]>(grown + 1);
+      std::memcpy(bigger.get(), text.get(), filled);
+      text = std::move(bigger);
+      capacity = grown;
+    }
+    const auto want = static_cast<ULONG>(capacity - filled);
     ULONG read = 0;
-    const HRESULT hr = stream.Read(text.data() + filled, static_cast<ULONG>(block), &read);
-    filled += std::min<std::size_t>(read, block);
-    if (FAILED(hr) || read < block) break;
+    const HRESULT hr = stream.Read(text.get() + filled, want, &read);
+    filled += std::min<ULONG>(read, want);
+    if (FAILED(hr) || read < want) break;
   }
-  text.resize(filled);
-  if (const std::size_t zero = text.find('\0'); zero != std::string::npos) text.resize(zero);
+  text[filled] = '\0';  // the parser stops here, or at an earlier zero byte of the text
   return text;
 }
 
@@ -242,7 +263,8 @@ HRESULT WriteConfig(ISettingsSubject& subject, std::string& out, bool includePor
   CAutoLock lock(subject.SettingsLock());
   TiXmlDocument document;
   document.InsertEndChild(TiXmlDeclaration("1.0", "", ""));
-  TiXmlElement config("Config");
+  // Linked, not inserted: inserting would copy a large sysex text once more.
+  TiXmlElement& config = *document.LinkEndChild(new TiXmlElement("Config"))->ToElement();
   config.SetAttribute("Schema", 1);
   const ComPtr<IHostMidiPorts> ports = subject.SettingsPorts();
   const ComPtr<IHostMidiPorts2> ports2 = PortsWithIds(ports.Get());
@@ -260,12 +282,10 @@ HRESULT WriteConfig(ISettingsSubject& subject, std::string& out, bool includePor
       .SetAttribute("Channel", static_cast<int>(subject.SavedRechannel()));
   AppendElement(config, "MIDISync").SetAttribute("Enabled", subject.SavedMidiSync() ? 1 : 0);
   for (const CStoredEvent& event : subject.SavedEvents()) event.WriteXml(config);
-  if (asDocument) {
-    document.InsertEndChild(config);
+  if (asDocument)
     out << document;
-  } else {
+  else
     out << config;
-  }
   return S_OK;
 }
 
@@ -373,6 +393,6 @@ HRESULT CSettingsStream::ReadFromStream(IStream* stream) {
   if (read != sizeof field) return E_FAIL;  // cut inside the length: no text to read
   const std::uint32_t length = std::uint32_t{field[0]} | std::uint32_t{field[1]} << 8 |
                                std::uint32_t{field[2]} << 16 | std::uint32_t{field[3]} << 24;
-  const std::string text = ReadText(*stream, length);
-  return ReadConfig(m_subject, text.c_str());
+  const std::unique_ptr<char[]> text = ReadText(*stream, length);
+  return ReadConfig(m_subject, text.get());
 }
