@@ -281,7 +281,13 @@ HRESULT WriteConfig(ISettingsSubject& subject, std::string& out, bool includePor
   AppendElement(config, "MIDIOutputRechannel")
       .SetAttribute("Channel", static_cast<int>(subject.SavedRechannel()));
   AppendElement(config, "MIDISync").SetAttribute("Enabled", subject.SavedMidiSync() ? 1 : 0);
-  for (const CStoredEvent& event : subject.SavedEvents()) event.WriteXml(config);
+  // Room for the whole text at once: a large sysex would otherwise be copied at each doubling.
+  std::size_t estimate = 4096;
+  for (const CStoredEvent& event : subject.SavedEvents()) {
+    event.WriteXml(config);
+    estimate += event.GetSysexSize() / 3 * 4 + 256;
+  }
+  out.reserve(out.size() + estimate);
   if (asDocument)
     out << document;
   else
