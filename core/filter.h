@@ -15,6 +15,7 @@
 #include "core/filter_pins.h"
 #include "interfaces/ole_interfaces.h"
 #include "core/soft_synth.h"
+#include "documents/settings_stream.h"
 #include "frame/base_filter.h"
 #include "interfaces/movie_setup.h"
 
@@ -118,11 +119,15 @@ class CFilter final : public CSoftSynth,
     return E_NOTIMPL;
   }
 
-  // --- IPersistStream: the saved state arrives with the settings stream -------------------------
-  HRESULT STDMETHODCALLTYPE IsDirty() override { return E_NOTIMPL; }
-  HRESULT STDMETHODCALLTYPE Load(IStream*) override { return E_NOTIMPL; }
-  HRESULT STDMETHODCALLTYPE Save(IStream*, std::int32_t) override { return E_NOTIMPL; }
-  HRESULT STDMETHODCALLTYPE GetSizeMax(ULARGE_INTEGER*) override { return E_NOTIMPL; }
+  // --- IPersistStream: the settings stream (documented with CSettingsStream) -------------------
+  HRESULT STDMETHODCALLTYPE IsDirty() override { return m_settings.IsDirty(); }
+  HRESULT STDMETHODCALLTYPE Load(IStream* stream) override { return m_settings.Load(stream); }
+  HRESULT STDMETHODCALLTYPE Save(IStream* stream, std::int32_t clearDirty) override {
+    return m_settings.Save(stream, clearDirty != 0);
+  }
+  HRESULT STDMETHODCALLTYPE GetSizeMax(ULARGE_INTEGER* size) override {
+    return m_settings.GetSizeMax(size);
+  }
 
   // --- IAMovieSetup: the module's registration lists the filter; it has no setup of its own ---
   HRESULT STDMETHODCALLTYPE Register() override { return S_FALSE; }
@@ -156,4 +161,5 @@ class CFilter final : public CSoftSynth,
   // The sample position of the next input sample: set by the graph thread, moved by the
   // streaming thread.
   std::atomic<std::int64_t> m_inputSample{0};
+  CSettingsStream m_settings{*this};
 };

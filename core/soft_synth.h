@@ -23,6 +23,7 @@
 #include "core/output_worker.h"
 #include "documents/stored_event_list.h"
 #include "instruments/instrument.h"
+#include "documents/settings_stream.h"
 #include "interfaces/mfx_interfaces.h"
 #include "interfaces/my_filter.h"
 #include "platform/com_ptr.h"
@@ -38,7 +39,8 @@ class CSoftSynth : public CMultiInstanceTracker,
                    public IMfxNotify,
                    public IMfxInputPort,
                    public IMyFilter,
-                   public IExternalDeviceProxy3 {
+                   public IExternalDeviceProxy3,
+                   public ISettingsSubject {
  public:
   CSoftSynth();
   ~CSoftSynth() override;
@@ -131,6 +133,26 @@ class CSoftSynth : public CMultiInstanceTracker,
                                              std::int32_t includePorts) override;
   HRESULT STDMETHODCALLTYPE GetConfigXml(wchar_t* buffer, std::uint32_t capacity,
                                          std::int32_t includePorts) override;
+
+  // --- ISettingsSubject: what the saved state reads and restores (documented there) ----------
+  CCritSec& SettingsLock() override { return InstanceLock(); }
+  ComPtr<IHostMidiPorts> SettingsPorts() override;
+  PortChoice SavedPort(PortDirection direction) override;
+  std::uint32_t SavedRechannel() override;
+  bool SavedMidiSync() override;
+  std::vector<std::uint8_t> SavedSysexPrefix() override;
+  void ForEachSavedEvent(const std::function<void(const CStoredEvent&)>& visit) override;
+  void WriteCurrentDevice(TiXmlNode& parent) override;
+  void ReadDevices(const TiXmlNode& parent, std::vector<std::wstring>& names) override;
+  HRESULT SelectDevice(const std::wstring& name) override;
+  HRESULT RestorePort(PortDirection direction, std::wstring name) override;
+  void RestoreOutputEnabled(bool enabled) override;
+  void RestoreRechannel(std::uint32_t channel) override;
+  void RestoreSysexPrefix(std::vector<std::uint8_t> bytes) override;
+  void RestoreMidiSync(bool enabled) override;
+  void RestoreEvents(std::vector<CStoredEvent> events) override;
+  void ReloadEditorLists() override;
+  HRESULT SendEventsAfterLoad() override;
 
   // --- CDXiSynthContext: time conversion ---------------------------------------------------
   std::int64_t TicksToSamples(std::int32_t ticks) override;

@@ -25,6 +25,13 @@ class CStoredEventList {
   void Replace(std::vector<CStoredEvent> events);
   // [any thread] A deep copy of the whole list.
   std::vector<CStoredEvent> Snapshot() const;
+  // [any thread] Calls `visit` with each event in list order, under the list's lock: `visit`
+  // must not call back into the list.
+  template <class Visit>
+  void ForEach(Visit visit) const {
+    std::lock_guard lock(m_lock);
+    for (const CStoredEvent& event : m_events) visit(event);
+  }
   // [any thread] Calls `visit` with each enabled event in list order, under the list's lock:
   // `visit` must not call back into the list.
   template <class Visit>

@@ -17,6 +17,9 @@ class CInstrument;
 // The property page as the instance sees it: something with a window to post activity to.
 struct IEditorWindow {
   virtual NotifyHandle WindowHandle() const = 0;
+  // [host or editor thread, during a load] The event list, ports and device changed under the
+  // page: it reloads its lists. A page living on another thread posts this to itself.
+  virtual void ReloadLists() = 0;
 
  protected:
   ~IEditorWindow() = default;

@@ -6,19 +6,13 @@
 #include <cstdint>
 
 #include "interfaces/graph_interfaces.h"
+#include "platform/stream.h"
 #include "platform/com.h"
 #include "platform/dispatch.h"
 
 #ifdef _WIN32
 #include <ocidl.h>
 #else
-
-struct IStream;
-// An unsigned 64-bit size; on Windows a union whose QuadPart is the whole value.
-struct ULARGE_INTEGER {
-  std::uint64_t QuadPart;
-};
-static_assert(sizeof(ULARGE_INTEGER) == 8);
 
 // A counted array of identifiers, allocated with CoTaskMemAlloc and freed by the receiver.
 struct CAUUID {

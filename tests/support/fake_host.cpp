@@ -148,16 +148,37 @@ HRESULT FakeMidiPorts::SendSysexMsg(MidiPortHandle handle, const std::uint8_t* b
   return S_OK;
 }
 
-HRESULT FakeMidiPorts::GetInputPortId(std::int32_t index, std::int32_t* id) {
+namespace {
+
+HRESULT IdOf(const std::optional<std::vector<std::optional<std::int32_t>>>& ids,
+             std::int32_t base, std::int32_t index, std::int32_t* id) {
   if (!id) return E_POINTER;
-  *id = kInputIdBase + index;
+  if (!ids) {
+    *id = base + index;
+    return S_OK;
+  }
+  if (index < 0 || static_cast<std::size_t>(index) >= ids->size() ||
+      !(*ids)[static_cast<std::size_t>(index)])
+    return E_FAIL;
+  *id = *(*ids)[static_cast<std::size_t>(index)];
   return S_OK;
 }
 
+}  // namespace
+
+HRESULT FakeMidiPorts::GetInputPortId(std::int32_t index, std::int32_t* id) {
+  std::lock_guard lock(m_mutex);
+  return IdOf(m_inputIds, kInputIdBase, index, id);
+}
+
 HRESULT FakeMidiPorts::GetOutputPortId(std::int32_t index, std::int32_t* id) {
-  if (!id) return E_POINTER;
-  *id = kOutputIdBase + index;
-  return S_OK;
+  std::lock_guard lock(m_mutex);
+  return IdOf(m_outputIds, kOutputIdBase, index, id);
+}
+
+void FakeMidiPorts::SetPortIds(bool input, std::vector<std::optional<std::int32_t>> ids) {
+  std::lock_guard lock(m_mutex);
+  (input ? m_inputIds : m_outputIds) = std::move(ids);
 }
 
 HRESULT FakeMidiPorts::UseInputPort(std::int32_t id) {

@@ -7,6 +7,7 @@
 #include <condition_variable>
 #include <cstdint>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -104,6 +105,9 @@ class FakeMidiPorts final : public IHostMidiPorts2, public FakeRefCount<FakeMidi
   void SetInputs(std::vector<std::wstring> names);
   void SetOutputHandle(std::int32_t index, MidiPortHandle handle);
   void OfferVersion2(bool offer) { m_offerVersion2 = offer; }
+  // Replaces the default ids of one list: port i has ids[i], and no id (the query fails) where
+  // that is empty or the list is shorter.
+  void SetPortIds(bool input, std::vector<std::optional<std::int32_t>> ids);
   void FailShortSends(bool fail) { m_failShort = fail; }
   void FailSysexSends(bool fail) { m_failSysex = fail; }
   // Hands each short send to `hook` alone, recording nothing: benchmarks measure the instance,
@@ -145,6 +149,7 @@ class FakeMidiPorts final : public IHostMidiPorts2, public FakeRefCount<FakeMidi
   bool m_holdQueries = false;
   std::vector<std::int32_t> m_usedInputs, m_usedOutputs;
   bool m_offerVersion2 = true;
+  std::optional<std::vector<std::optional<std::int32_t>>> m_inputIds, m_outputIds;
   bool m_failShort = false;
   bool m_failSysex = false;
   void (*m_hook)(void*, std::uint32_t) = nullptr;

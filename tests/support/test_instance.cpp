@@ -1,18 +1,5 @@
 #include "tests/support/test_instance.h"
 
-namespace {
-
-class WindowOf final : public IEditorWindow {
- public:
-  explicit WindowOf(NotifyHandle handle) : m_handle(handle) {}
-  NotifyHandle WindowHandle() const override { return m_handle; }
-
- private:
-  NotifyHandle m_handle;
-};
-
-}  // namespace
-
 TestInstance::TestInstance() {
   CUnknown* unknown = CFilter::CreateInstance(nullptr, &m_constructed);
   unknown->NonDelegatingAddRef();
@@ -32,8 +19,6 @@ ConnectedRig::ConnectedRig(bool withPorts, bool withTimeConverter) {
   if (withPorts) context.midiPorts = &ports;
   context.AddRef();  // Connect releases one reference that it was only lent
   instance->Connect(&context);
-  // The page's window object is only asked for its handle, at once.
-  WindowOf editor(window.Handle());
   instance->SetEditorWindow(&editor);
 }
 

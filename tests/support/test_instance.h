@@ -2,6 +2,7 @@
 // it: ports with one output, a sink, a tempo map, and a notify target for activity.
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 
 #include "core/filter.h"
@@ -29,6 +30,20 @@ class TestInstance {
   HRESULT m_constructed = S_OK;
 };
 
+// The property page as the instance sees it: a window handle, and a count of the times a load
+// asked it to reload its lists.
+class FakeEditorWindow final : public IEditorWindow {
+ public:
+  explicit FakeEditorWindow(NotifyHandle handle) : m_handle(handle) {}
+  NotifyHandle WindowHandle() const override { return m_handle; }
+  void ReloadLists() override { ++m_reloads; }
+  int Reloads() const { return m_reloads; }
+
+ private:
+  NotifyHandle m_handle;
+  std::atomic<int> m_reloads{0};
+};
+
 // An instance connected to a fake host that observes pin changes, with activity going to a
 // recorder; EnableOutput() chooses the host's first port. The host's objects outlive the
 // instance.
@@ -40,6 +55,7 @@ struct ConnectedRig {
   FakeInputSink sink;
   FakeHostContext context;
   NotifyRecorder window;
+  FakeEditorWindow editor{window.Handle()};
   TestInstance instance;
 
   // With the time converter, a tick is exactly this many samples.
