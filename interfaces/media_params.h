@@ -11,6 +11,7 @@
 #include <cstdint>
 
 #include "platform/com.h"
+#include "platform/unknown_impl.h"
 
 // One character of the records' wide text: 16 bits, as the binary contract has it.
 #ifdef _WIN32
@@ -140,6 +141,7 @@ struct IMediaParamsUICallback : IUnknown {
   virtual HRESULT STDMETHODCALLTYPE ParamsEndCapture(const std::uint32_t* indices,
                                                      std::uint32_t count) = 0;
 };
+TARN_INTERFACE_ID(IMediaParamsUICallback, IID_IMediaParamsUICallback, IUnknown);
 
 // Where the user-interface callbacks go.
 struct IMediaParamsSetUICallback : IUnknown {

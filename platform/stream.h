@@ -6,6 +6,7 @@
 #include <cstdint>
 
 #include "platform/com.h"
+#include "platform/unknown_impl.h"
 
 #ifdef _WIN32
 #include <objidl.h>
@@ -103,3 +104,6 @@ struct IStream : ISequentialStream {
 };
 
 #endif  // _WIN32
+
+TARN_INTERFACE_ID(ISequentialStream, IID_ISequentialStream, IUnknown);
+TARN_INTERFACE_ID(IStream, IID_IStream, ISequentialStream);

@@ -24,6 +24,14 @@ struct InterfaceTraits<IUnknown> {
   static const IID& Id() noexcept { return IID_IUnknown; }
 };
 
+// Whether an interface has an identifier. One without (a callback the host hands over directly,
+// never asked for) is answered only as IUnknown.
+template <class Interface, class = void>
+struct HasInterfaceId : std::false_type {};
+template <class Interface>
+struct HasInterfaceId<Interface, std::void_t<decltype(InterfaceTraits<Interface>::Id())>>
+    : std::true_type {};
+
 #define TARN_INTERFACE_ID(Interface, iid, ParentInterface)        \
   template <>                                                     \
   struct InterfaceTraits<Interface> {                             \
@@ -71,7 +79,7 @@ class CUnknownImpl : public Interfaces... {
   // answers `iid`; IUnknown answers only through the first listed interface.
   template <class Listed, class Face>
   bool Find(REFIID iid, void** object) {
-    if constexpr (std::is_same_v<Face, IUnknown>) {
+    if constexpr (std::is_same_v<Face, IUnknown> || !HasInterfaceId<Face>::value) {
       if (!std::is_same_v<Listed, First> || iid != IID_IUnknown) return false;
       *object = static_cast<IUnknown*>(static_cast<Listed*>(this));
       return true;

@@ -3,30 +3,7 @@
 #include <algorithm>
 #include <cwchar>
 
-namespace {
-
-// Answers `iid` with `self` when it is one of `iids`.
-template <class T>
-HRESULT Answer(T* self, REFIID iid, void** out, std::initializer_list<IID> iids) {
-  if (!out) return E_POINTER;
-  for (const IID& candidate : iids) {
-    if (iid == candidate) {
-      *out = self;
-      self->AddRef();
-      return S_OK;
-    }
-  }
-  *out = nullptr;
-  return E_NOINTERFACE;
-}
-
-}  // namespace
-
 // --- tempo map and time converter -------------------------------------------------------------
-
-HRESULT FakeTempoMap::QueryInterface(REFIID iid, void** out) {
-  return Answer<IHostTempoMap>(this, iid, out, {IID_IUnknown, IID_IHostTempoMap});
-}
 
 std::int32_t FakeTempoMap::TicksToMsecs(std::int32_t ticks) {
   return static_cast<std::int32_t>(std::int64_t{ticks} * m_msPerQuarter / m_tpq);
@@ -34,10 +11,6 @@ std::int32_t FakeTempoMap::TicksToMsecs(std::int32_t ticks) {
 
 std::int32_t FakeTempoMap::MsecsToTicks(std::int32_t msecs) {
   return static_cast<std::int32_t>(std::int64_t{msecs} * m_tpq / m_msPerQuarter);
-}
-
-HRESULT FakeTimeConverter::QueryInterface(REFIID iid, void** out) {
-  return Answer<IHostTimeConverter>(this, iid, out, {IID_IUnknown, IID_IHostTimeConverter});
 }
 
 HRESULT FakeTimeConverter::ConvertTime(HostTimeValue* time, std::uint32_t format) {
@@ -54,10 +27,6 @@ HRESULT FakeTimeConverter::ConvertTime(HostTimeValue* time, std::uint32_t format
 
 // --- pin observer ---------------------------------------------------------------------------
 
-HRESULT FakePinObserver::QueryInterface(REFIID iid, void** out) {
-  return Answer<IHostPinObserver>(this, iid, out, {IID_IUnknown, IID_IHostPinObserver});
-}
-
 HRESULT FakePinObserver::OnPinCountChange(std::int32_t phase, IUnknown*, std::int32_t count) {
   std::lock_guard lock(m_mutex);
   m_calls.push_back({phase, count});
@@ -71,10 +40,13 @@ std::vector<FakePinObserver::Call> FakePinObserver::Calls() const {
 
 // --- ports ------------------------------------------------------------------------------------
 
+// A host may offer the ports without their second version.
 HRESULT FakeMidiPorts::QueryInterface(REFIID iid, void** out) {
-  if (m_offerVersion2)
-    return Answer<IHostMidiPorts2>(this, iid, out, {IID_IUnknown, IID_IHostMidiPorts, IID_IHostMidiPorts2});
-  return Answer<IHostMidiPorts2>(this, iid, out, {IID_IUnknown, IID_IHostMidiPorts});
+  if (!m_offerVersion2 && iid == IID_IHostMidiPorts2) {
+    if (out) *out = nullptr;
+    return out ? E_NOINTERFACE : E_POINTER;
+  }
+  return FakeUnknown::QueryInterface(iid, out);
 }
 
 std::int32_t FakeMidiPorts::GetInputPortCount() {
@@ -261,10 +233,6 @@ std::vector<std::int32_t> FakeMidiPorts::UsedOutputIds() const {
 
 // --- sink ------------------------------------------------------------------------------------
 
-HRESULT FakeInputSink::QueryInterface(REFIID iid, void** out) {
-  return Answer<IHostInputSink>(this, iid, out, {IID_IUnknown});
-}
-
 HRESULT FakeInputSink::OnSinkEvent(IMfxInputPort* sender, const HostEventRecord* record) {
   {
     std::lock_guard lock(m_mutex);
@@ -296,7 +264,7 @@ bool FakeInputSink::WaitForRecords(std::size_t count, int timeoutMs) const {
 HRESULT FakeHostContext::QueryInterface(REFIID iid, void** out) {
   if (!out) return E_POINTER;
   *out = nullptr;
-  if (iid == IID_IUnknown) return Answer<IUnknown>(this, iid, out, {IID_IUnknown});
+  if (iid == IID_IUnknown) return FakeUnknown::QueryInterface(iid, out);
   if (iid == IID_IHostTempoMap && tempoMap) return tempoMap->QueryInterface(iid, out);
   if (iid == IID_IHostTimeConverter && timeConverter) return timeConverter->QueryInterface(iid, out);
   if (iid == IID_IHostPinObserver && pinObserver) return pinObserver->QueryInterface(iid, out);
@@ -306,11 +274,6 @@ HRESULT FakeHostContext::QueryInterface(REFIID iid, void** out) {
 }
 
 // --- automation callback --------------------------------------------------------------------------
-
-HRESULT FakeParamsUICallback::QueryInterface(REFIID iid, void** out) {
-  return ::Answer<IMediaParamsUICallback>(this, iid, out,
-                                          {IID_IUnknown, IID_IMediaParamsUICallback});
-}
 
 HRESULT FakeParamsUICallback::Record(Kind kind, const std::uint32_t* indices,
                                      std::uint32_t count, const MP_DATA* values) {

@@ -20,12 +20,10 @@
 using FakeClock = std::chrono::steady_clock;
 
 // A constant tempo: `msPerQuarter` milliseconds per quarter of `ticksPerQuarter` ticks.
-class FakeTempoMap final : public IHostTempoMap, public FakeRefCount<FakeTempoMap> {
+class FakeTempoMap final : public FakeUnknown<IHostTempoMap> {
  public:
   explicit FakeTempoMap(std::int32_t ticksPerQuarter = 480, std::int32_t msPerQuarter = 500)
       : m_tpq(ticksPerQuarter), m_msPerQuarter(msPerQuarter) {}
-  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** out) override;
-  TARN_FAKE_IUNKNOWN
   std::int32_t STDMETHODCALLTYPE TicksToMsecs(std::int32_t ticks) override;
   std::int32_t STDMETHODCALLTYPE MsecsToTicks(std::int32_t msecs) override;
   std::int32_t STDMETHODCALLTYPE GetTicksPerQuarter() override { return m_tpq; }
@@ -38,11 +36,9 @@ class FakeTempoMap final : public IHostTempoMap, public FakeRefCount<FakeTempoMa
 };
 
 // Converts at a fixed number of samples per tick.
-class FakeTimeConverter final : public IHostTimeConverter, public FakeRefCount<FakeTimeConverter> {
+class FakeTimeConverter final : public FakeUnknown<IHostTimeConverter> {
  public:
   explicit FakeTimeConverter(std::int64_t samplesPerTick = 100) : m_samplesPerTick(samplesPerTick) {}
-  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** out) override;
-  TARN_FAKE_IUNKNOWN
   HRESULT STDMETHODCALLTYPE ConvertTime(HostTimeValue* time, std::uint32_t format) override;
 
  private:
@@ -50,14 +46,12 @@ class FakeTimeConverter final : public IHostTimeConverter, public FakeRefCount<F
 };
 
 // Records each announcement of a pin count change; refuses phase 1 on request.
-class FakePinObserver final : public IHostPinObserver, public FakeRefCount<FakePinObserver> {
+class FakePinObserver final : public FakeUnknown<IHostPinObserver> {
  public:
   struct Call {
     std::int32_t phase;
     std::int32_t count;
   };
-  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** out) override;
-  TARN_FAKE_IUNKNOWN
   HRESULT STDMETHODCALLTYPE OnPinCountChange(std::int32_t phase, IUnknown* filter,
                                              std::int32_t count) override;
 
@@ -72,7 +66,7 @@ class FakePinObserver final : public IHostPinObserver, public FakeRefCount<FakeP
 
 // The host's ports. Every send is recorded with its arrival time; sends fail on request; output
 // port N has handle N + 1 unless set otherwise, so a zero handle is a deliberate choice.
-class FakeMidiPorts final : public IHostMidiPorts2, public FakeRefCount<FakeMidiPorts> {
+class FakeMidiPorts final : public FakeUnknown<IHostMidiPorts2> {
  public:
   struct Sent {
     FakeClock::time_point at;
@@ -83,7 +77,6 @@ class FakeMidiPorts final : public IHostMidiPorts2, public FakeRefCount<FakeMidi
   };
 
   HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** out) override;
-  TARN_FAKE_IUNKNOWN
   std::int32_t STDMETHODCALLTYPE GetInputPortCount() override;
   HRESULT STDMETHODCALLTYPE Reserved() override { return E_NOTIMPL; }
   HRESULT STDMETHODCALLTYPE GetInputPortName(std::int32_t index, wchar_t* name,
@@ -157,10 +150,8 @@ class FakeMidiPorts final : public IHostMidiPorts2, public FakeRefCount<FakeMidi
 };
 
 // The host's sink: records every record handed to it, and fails on request.
-class FakeInputSink final : public IHostInputSink, public FakeRefCount<FakeInputSink> {
+class FakeInputSink final : public FakeUnknown<IHostInputSink> {
  public:
-  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** out) override;
-  TARN_FAKE_IUNKNOWN
   HRESULT STDMETHODCALLTYPE OnSinkEvent(IMfxInputPort* sender, const HostEventRecord* record) override;
 
   void Fail(bool fail) { m_fail = fail; }
@@ -177,8 +168,7 @@ class FakeInputSink final : public IHostInputSink, public FakeRefCount<FakeInput
 };
 
 // The host's automation callback: records each call in order and answers a chosen result.
-class FakeParamsUICallback final : public IMediaParamsUICallback,
-                                   public FakeRefCount<FakeParamsUICallback> {
+class FakeParamsUICallback final : public FakeUnknown<IMediaParamsUICallback> {
  public:
   enum class Kind { kBeginCapture, kChanged, kEndCapture };
   struct Call {
@@ -186,8 +176,6 @@ class FakeParamsUICallback final : public IMediaParamsUICallback,
     std::vector<std::uint32_t> indices;
     std::vector<MP_DATA> values;  // ParamsChanged only
   };
-  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** out) override;
-  TARN_FAKE_IUNKNOWN
   HRESULT STDMETHODCALLTYPE ParamsBeginCapture(const std::uint32_t* indices,
                                                std::uint32_t count) override;
   HRESULT STDMETHODCALLTYPE ParamsChanged(const std::uint32_t* indices, std::uint32_t count,
@@ -208,7 +196,7 @@ class FakeParamsUICallback final : public IMediaParamsUICallback,
 };
 
 // The context object a host passes to Connect. It answers only the interfaces it was given.
-class FakeHostContext final : public IUnknown, public FakeRefCount<FakeHostContext> {
+class FakeHostContext final : public FakeUnknown<IUnknown> {
  public:
   FakeTempoMap* tempoMap = nullptr;
   FakeTimeConverter* timeConverter = nullptr;
@@ -216,20 +204,13 @@ class FakeHostContext final : public IUnknown, public FakeRefCount<FakeHostConte
   FakeMidiPorts* midiPorts = nullptr;
 
   HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** out) override;
-  TARN_FAKE_IUNKNOWN
 };
 
 // A list of records handed to OnEvents or OnInput; fails at a chosen index on request.
 template <class Interface, class Record>
-class FakeRecordList final : public Interface, public FakeRefCount<FakeRecordList<Interface, Record>> {
+class FakeRecordList final : public FakeUnknown<Interface> {
  public:
   explicit FakeRecordList(std::vector<Record> records = {}) : m_records(std::move(records)) {}
-  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID, void** out) override {
-    if (out) *out = nullptr;
-    return E_NOINTERFACE;
-  }
-  ULONG STDMETHODCALLTYPE AddRef() override { return this->AddRefImpl(); }
-  ULONG STDMETHODCALLTYPE Release() override { return this->ReleaseImpl(); }
   HRESULT STDMETHODCALLTYPE Unused() override { return E_NOTIMPL; }
   HRESULT STDMETHODCALLTYPE GetItemCount(std::int32_t* count) override {
     if (m_countResult < 0) return m_countResult;

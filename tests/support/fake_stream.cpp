@@ -3,17 +3,6 @@
 #include <algorithm>
 #include <cstring>
 
-HRESULT FakeStream::QueryInterface(REFIID iid, void** out) {
-  if (!out) return E_POINTER;
-  if (iid == IID_IUnknown || iid == IID_ISequentialStream || iid == IID_IStream) {
-    AddRef();
-    *out = static_cast<IStream*>(this);
-    return S_OK;
-  }
-  *out = nullptr;
-  return E_NOINTERFACE;
-}
-
 HRESULT FakeStream::Read(void* pv, ULONG cb, ULONG* pcbRead) {
   if (pcbRead) *pcbRead = 0;
   m_largestRead = std::max(m_largestRead, cb);

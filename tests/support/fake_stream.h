@@ -9,12 +9,10 @@
 #include "platform/stream.h"
 #include "tests/support/fake_unknown.h"
 
-class FakeStream final : public IStream, public FakeRefCount<FakeStream> {
+class FakeStream final : public FakeUnknown<IStream> {
  public:
   explicit FakeStream(std::vector<std::uint8_t> bytes = {}) : m_bytes(std::move(bytes)) {}
 
-  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** out) override;
-  TARN_FAKE_IUNKNOWN
   // Serves the bytes from the position; a read that would reach the failing offset answers
   // the failure and delivers nothing.
   HRESULT STDMETHODCALLTYPE Read(void* pv, ULONG cb, ULONG* pcbRead) override;

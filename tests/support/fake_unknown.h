@@ -1,48 +1,30 @@
-// Reference counting and interface lookup for the fakes: each fake lists the interfaces it
-// answers, and tests can read its count to check the reference rules.
+// The fakes' IUnknown: CUnknownImpl, with a count that tests read to check the reference rules.
+// Fakes on the stack live by their scope; heap-made ones may delete themselves at zero.
 #pragma once
 
-#include <atomic>
 #include <cstdint>
 
-#include "platform/com.h"
+#include "platform/unknown_impl.h"
 
-template <class Self>
-class FakeRefCount {
+template <class... Interfaces>
+class FakeUnknown : public CUnknownImpl<Interfaces...> {
  public:
-  ULONG AddRefImpl() { return static_cast<ULONG>(++m_refs); }
-  ULONG ReleaseImpl() {
-    const auto left = --m_refs;
-    if (left == 0 && m_deleteAtZero) delete static_cast<Self*>(this);
-    return static_cast<ULONG>(left);
+  // References held by others.
+  std::int32_t RefCount() const {
+    return static_cast<std::int32_t>(CUnknownImpl<Interfaces...>::RefCount());
   }
-  // References held by others. Fakes on the stack live by scope and are never deleted.
-  std::int32_t RefCount() const { return m_refs; }
-  // Heap-made fakes delete themselves when released to zero.
+  // A heap-made fake deletes itself when released to zero.
   void DeleteAtZero() { m_deleteAtZero = true; }
 
+ protected:
+  void LastReleased() override {
+    if (m_deleteAtZero) delete this;
+  }
+
  private:
-  std::atomic<std::int32_t> m_refs{0};
   bool m_deleteAtZero = false;
 };
 
-#define TARN_FAKE_IUNKNOWN                                                             \
-  ULONG STDMETHODCALLTYPE AddRef() override { return AddRefImpl(); }                   \
-  ULONG STDMETHODCALLTYPE Release() override { return ReleaseImpl(); }
-
 // An outer object for aggregation: answers IUnknown only, and counts the references that the
 // inner object's delegating faces pass to it.
-class FakeOuterUnknown final : public IUnknown, public FakeRefCount<FakeOuterUnknown> {
- public:
-  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {
-    if (!object) return E_POINTER;
-    if (iid != IID_IUnknown) {
-      *object = nullptr;
-      return E_NOINTERFACE;
-    }
-    *object = static_cast<IUnknown*>(this);
-    AddRef();
-    return S_OK;
-  }
-  TARN_FAKE_IUNKNOWN
-};
+class FakeOuterUnknown final : public FakeUnknown<IUnknown> {};
