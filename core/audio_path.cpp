@@ -111,12 +111,6 @@ struct CFilter::AudioPass {
   }
 };
 
-void CFilter::CollectConnectedOutputs(CFilterOutputPin** pins, std::int32_t capacity) {
-  std::int32_t n = 0;
-  for (CFilterOutputPin* pin : m_outputPins)
-    if (n < capacity && pin->IsConnected()) pins[n++] = pin;
-}
-
 HRESULT CFilter::ParameterChanges(std::int64_t from, std::int32_t frames,
                                   std::vector<std::int64_t>& changes) {
   if (!m_mediaParams) {
@@ -138,11 +132,11 @@ HRESULT CFilter::ReceiveAudio(IMediaSample* sample) {
   WaveFormat out{};
   {
     CAutoLock lock(InstanceLock());
-    count = CountConnectedOutputs();
+    count = m_outputPins.CountConnected();
     if (count > kMostConnectedOutputs) return E_OUTOFMEMORY;
     pins = TARN_STACK_ARRAY(CFilterOutputPin*, count);
     outputs = TARN_STACK_ARRAY(AudioBuffer, count);
-    CollectConnectedOutputs(pins, count);
+    m_outputPins.CollectConnected(pins, count);
     in = m_inputFormat;
     out = m_outputFormat;
   }
@@ -194,14 +188,14 @@ std::optional<REFERENCE_TIME> CFilter::TakeDiscontinuity(IMediaSample* sample,
 // The processing class is asked for more until it has none; each answer goes out of every pin.
 HRESULT CFilter::EndAudioStream() {
   CAutoLock lock(InstanceLock());
-  const std::int32_t count = CountConnectedOutputs();
+  const std::int32_t count = m_outputPins.CountConnected();
   if (count == 0) return S_OK;
   if (count > kMostConnectedOutputs) return E_OUTOFMEMORY;
   const std::uint16_t align = m_outputFormat.nBlockAlign;
   if (align == 0) return E_UNEXPECTED;
   auto* pins = TARN_STACK_ARRAY(CFilterOutputPin*, count);
   auto* outputs = TARN_STACK_ARRAY(AudioBuffer, count);
-  CollectConnectedOutputs(pins, count);
+  m_outputPins.CollectConnected(pins, count);
 
   TakenOutputs taken(outputs);
   for (std::int32_t i = 0; i < count; ++i) {

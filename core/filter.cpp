@@ -5,13 +5,6 @@
 #include <cwchar>
 #include <new>
 
-namespace {
-
-// Pin ids are unique across all instances in the process and never reused.
-std::atomic<std::uint32_t> g_nextPinId{1};
-
-}  // namespace
-
 CUnknown* CFilter::CreateInstance(IUnknown* outer, HRESULT* phr) {
   HRESULT ignored = S_OK;
   HRESULT& hr = phr ? *phr : ignored;
@@ -39,7 +32,6 @@ CFilter::CFilter(IUnknown* outer, HRESULT* phr)
 
 CFilter::~CFilter() {
   EndAllWorkers();  // before any member goes: a worker may still be finishing a batch
-  for (CFilterOutputPin* pin : m_outputPins) pin->ReleaseListReference();
   if (m_mediaParams) m_mediaParams->ReleaseOwnerReference();
 }
 
@@ -71,7 +63,7 @@ void CFilter::ReportGraphChanged() {
 
 HRESULT CFilter::AddOutputPin(const wchar_t* name, std::uint32_t* id) {
   CAutoLock lock(InstanceLock());
-  const auto newCount = static_cast<std::int32_t>(m_outputPins.size()) + 1;
+  const auto newCount = static_cast<std::int32_t>(m_outputPins.Count()) + 1;
   IUnknown* self = static_cast<IBaseFilter*>(this);
   HRESULT hr = AnnouncePinCountChange(1, self, newCount);
   if (FAILED(hr)) return hr;
@@ -81,16 +73,15 @@ HRESULT CFilter::AddOutputPin(const wchar_t* name, std::uint32_t* id) {
     std::swprintf(defaultName, std::size(defaultName), L"Output %d", newCount);
     name = defaultName;
   }
-  const std::uint32_t pinId = g_nextPinId++;
+  const std::uint32_t pinId = COutputPinList::NextId();
   hr = S_OK;
   auto* pin = new (std::nothrow) CFilterOutputPin(this, m_lock, &hr, name, pinId);
   if (!pin) return E_OUTOFMEMORY;
-  pin->AddListReference();
   if (FAILED(hr)) {
-    pin->ReleaseListReference();
+    delete pin;
     return hr;
   }
-  m_outputPins.push_back(pin);
+  m_outputPins.Append(*pin);
   if (id) *id = pinId;
   ReportGraphChanged();
   return AnnouncePinCountChange(2, self, newCount);
@@ -98,19 +89,16 @@ HRESULT CFilter::AddOutputPin(const wchar_t* name, std::uint32_t* id) {
 
 HRESULT CFilter::RemoveOutputPin(std::uint32_t id) {
   CAutoLock lock(InstanceLock());
-  if (m_outputPins.empty()) return E_FAIL;
-  const auto it = std::find_if(m_outputPins.begin(), m_outputPins.end(),
-                               [id](const CFilterOutputPin* p) { return p->Id() == id; });
-  if (it == m_outputPins.end()) return E_INVALIDARG;
-  if ((*it)->IsConnected()) return E_UNEXPECTED;
+  if (m_outputPins.Count() == 0) return E_FAIL;
+  const CFilterOutputPin* pin = m_outputPins.Find(id);
+  if (!pin) return E_INVALIDARG;
+  if (pin->IsConnected()) return E_UNEXPECTED;
 
-  const auto newCount = static_cast<std::int32_t>(m_outputPins.size()) - 1;
+  const auto newCount = static_cast<std::int32_t>(m_outputPins.Count()) - 1;
   IUnknown* self = static_cast<IBaseFilter*>(this);
   HRESULT hr = AnnouncePinCountChange(1, self, newCount);
   if (FAILED(hr)) return hr;
-  CFilterOutputPin* pin = *it;
-  m_outputPins.erase(it);
-  pin->ReleaseListReference();
+  m_outputPins.Remove(id);
   ReportGraphChanged();
   return AnnouncePinCountChange(2, self, newCount);
 }
@@ -122,49 +110,36 @@ HRESULT CFilter::RemoveAllOutputPins() {
   if (FAILED(hr)) return hr;
   HRESULT result = S_OK;
   bool removed = false;
-  while (!m_outputPins.empty()) {
-    CFilterOutputPin* pin = m_outputPins.front();
-    if (pin->IsConnected()) {
+  for (const CFilterOutputPin* first = m_outputPins.At(0); first; first = m_outputPins.At(0)) {
+    if (first->IsConnected()) {
       result = E_UNEXPECTED;
       break;
     }
-    m_outputPins.erase(m_outputPins.begin());
-    pin->ReleaseListReference();
+    m_outputPins.RemoveFirst();
     removed = true;
   }
   // The graph and the observer hear only of an actual change.
   if (!removed) return result;
   ReportGraphChanged();
-  hr = AnnouncePinCountChange(2, self, static_cast<std::int32_t>(m_outputPins.size()));
+  hr = AnnouncePinCountChange(2, self, static_cast<std::int32_t>(m_outputPins.Count()));
   return FAILED(result) ? result : hr;
-}
-
-CFilterOutputPin* CFilter::OutputPinById(std::uint32_t id) {
-  for (CFilterOutputPin* pin : m_outputPins)
-    if (pin->Id() == id) return pin;
-  return nullptr;
 }
 
 CBasePin* CFilter::FindOutputPin(std::uint32_t id) {
   CAutoLock lock(InstanceLock());
-  return OutputPinById(id);
+  return m_outputPins.Find(id);
 }
 
 std::int32_t CFilter::GetOutputPinCount() {
   CAutoLock lock(InstanceLock());
-  return static_cast<std::int32_t>(m_outputPins.size());
+  return static_cast<std::int32_t>(m_outputPins.Count());
 }
 
 std::int32_t CFilter::GetOutputPinId(std::int32_t index) {
   CAutoLock lock(InstanceLock());
-  if (index < 0 || static_cast<std::size_t>(index) >= m_outputPins.size()) return -1;
-  return static_cast<std::int32_t>(m_outputPins[static_cast<std::size_t>(index)]->Id());
-}
-
-std::int32_t CFilter::CountConnectedOutputs() const {
-  return static_cast<std::int32_t>(
-      std::count_if(m_outputPins.begin(), m_outputPins.end(),
-                    [](const CFilterOutputPin* p) { return p->IsConnected(); }));
+  const CFilterOutputPin* pin =
+      index < 0 ? nullptr : m_outputPins.At(static_cast<std::size_t>(index));
+  return pin ? static_cast<std::int32_t>(pin->Id()) : -1;
 }
 
 // --- filter frame -------------------------------------------------------------------------------
@@ -174,8 +149,8 @@ std::int32_t CFilter::GetPinCount() { return GetOutputPinCount() + 1; }
 CBasePin* CFilter::GetPin(std::int32_t n) {
   CAutoLock lock(InstanceLock());
   if (n == 0) return m_inputPin.get();
-  if (n < 0 || static_cast<std::size_t>(n) > m_outputPins.size()) return nullptr;
-  return m_outputPins[static_cast<std::size_t>(n) - 1];
+  if (n < 0) return nullptr;
+  return m_outputPins.At(static_cast<std::size_t>(n) - 1);
 }
 
 HRESULT CFilter::Pause() {

@@ -13,6 +13,7 @@
 #include "automation/media_params.h"
 #include "core/dxi.h"
 #include "core/filter_pins.h"
+#include "core/output_pin_list.h"
 #include "interfaces/ole_interfaces.h"
 #include "core/soft_synth.h"
 #include "documents/settings_stream.h"
@@ -138,11 +139,6 @@ class CFilter final : public CSoftSynth,
   struct AudioPass;
 
   void ReportGraphChanged();
-  CFilterOutputPin* OutputPinById(std::uint32_t id);
-  // [instance lock] How many output pins are connected.
-  std::int32_t CountConnectedOutputs() const;
-  // [instance lock] The connected output pins into `pins`, in list order; at most `capacity`.
-  void CollectConnectedOutputs(CFilterOutputPin** pins, std::int32_t capacity);
   // [streaming thread] For a sample that marks a discontinuity and has a start time: moves the
   // input position to that time and gives it back, to be set on the output samples.
   std::optional<REFERENCE_TIME> TakeDiscontinuity(IMediaSample* sample, std::uint32_t rate);
@@ -157,7 +153,7 @@ class CFilter final : public CSoftSynth,
   std::unique_ptr<CFilterInputPin> m_inputPin;
   CMediaParams* m_mediaParams = nullptr;  // holds the owner's one reference
   std::vector<std::int64_t> m_paramChanges;  // streaming thread only
-  std::vector<CFilterOutputPin*> m_outputPins;  // each holds one reference of the list
+  COutputPinList m_outputPins;
   // The sample position of the next input sample: set by the graph thread, moved by the
   // streaming thread.
   std::atomic<std::int64_t> m_inputSample{0};
