@@ -6,7 +6,7 @@
 
 #include <string>
 
-#include "core/filter.h"
+#include "interfaces/class_ids.h"
 #include "interfaces/mfx_interfaces.h"
 #include "interfaces/my_filter.h"
 #include "interfaces/ole_interfaces.h"
