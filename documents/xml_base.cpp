@@ -119,6 +119,10 @@ void TiXmlParsingData::Stamp(const char* now) {
       cursor.col += 8;
       p += 8;
     }
+    // Ordinary bytes short of a word in one count.
+    const char* const ordinary = p;
+    while (p < now && static_cast<unsigned char>(*p) >= 14) ++p;
+    cursor.col += static_cast<std::int32_t>(p - ordinary);
     if (p == now || !*p) break;
     const char c = *p++;
     if (c == '\n' || c == '\r') {
@@ -258,5 +262,8 @@ void TiXmlBase::SetError(TiXmlDocument* document, int id, const char* p, TiXmlPa
 void TiXmlBase::Stamp(const char* p, TiXmlParsingData* data) {
   if (!data) return;
   data->Stamp(p);
-  location = data->Cursor();
+  // Field by field: the cursor was just written that way, and reading it back whole would have
+  // to wait for those writes to land.
+  location.row = data->Cursor().row;
+  location.col = data->Cursor().col;
 }

@@ -4,6 +4,7 @@
 #include <memory>
 #include <ostream>
 
+#include "documents/xml_arena.h"
 #include "documents/xml_document.h"
 #include "documents/xml_text.h"
 
@@ -22,9 +23,13 @@ std::string Indent(int depth) {
 TiXmlElement::TiXmlElement(const char* name) : TiXmlNode(ELEMENT) { value = name; }
 
 TiXmlElement::~TiXmlElement() {
-  while (TiXmlAttribute* attribute = attributeSet.First()) {
-    attributeSet.Remove(attribute);
+  // The set goes with the element, so its links need no mending on the way.
+  const TiXmlAttribute* const last = attributeSet.Last();
+  TiXmlAttribute* attribute = attributeSet.First();
+  while (attribute) {
+    TiXmlAttribute* const following = attribute == last ? nullptr : attribute->next;
     delete attribute;
+    attribute = following;
   }
 }
 
@@ -90,6 +95,7 @@ const char* TiXmlElement::Parse(const char* p, TiXmlParsingData* data, TiXmlNode
 
 const char* TiXmlElement::ParseRest(const char* p, TiXmlParsingData* data) {
   TiXmlDocument* document = GetDocument();
+  TiXmlArena* arena = document ? document->Arena() : nullptr;
   for (;;) {
     p = SkipWhiteSpace(p);
     if (!*p) {
@@ -104,12 +110,11 @@ const char* TiXmlElement::ParseRest(const char* p, TiXmlParsingData* data) {
     if (*p == '>') {
       p = ReadValue(p + 1, data);
       if (!p) return nullptr;
-      const std::string endTag = "</" + value + ">";
-      if (StringEqual(p, endTag.c_str(), false)) return p + endTag.size();
+      if (const char* behind = BehindEndTag(p)) return behind;
       SetError(document, TIXML_ERROR_READING_END_TAG, p, data);
       return nullptr;
     }
-    auto attribute = std::make_unique<TiXmlAttribute>();
+    std::unique_ptr<TiXmlAttribute> attribute(NewInArena<TiXmlAttribute>(arena));
     attribute->SetDocument(document);
     const char* start = p;
     p = attribute->Parse(p, data, this);
@@ -126,13 +131,24 @@ const char* TiXmlElement::ParseRest(const char* p, TiXmlParsingData* data) {
   }
 }
 
+// StringEqual(p, "</" + name + ">", false), without making the string.
+const char* TiXmlElement::BehindEndTag(const char* p) const {
+  if (p[0] != '<' || p[1] != '/') return nullptr;
+  p += 2;
+  if (!StringEqual(p, value.c_str(), false)) return nullptr;
+  p += value.size();
+  return *p == '>' ? p + 1 : nullptr;
+}
+
 const char* TiXmlElement::ReadValue(const char* p, TiXmlParsingData* data) {
+  TiXmlDocument* document = GetDocument();
+  TiXmlArena* arena = document ? document->Arena() : nullptr;
   p = SkipWhiteSpace(p);
   const char* start = p;
   while (p && *p) {
     start = p;
     if (*p != '<') {
-      auto text = std::make_unique<TiXmlText>("");
+      std::unique_ptr<TiXmlText> text(NewInArena<TiXmlText>(arena, ""));
       p = text->Parse(p, data, this);
       if (!text->Blank()) LinkEndChild(text.release());
     } else if (StringEqual(p, "</", false)) {
@@ -144,7 +160,7 @@ const char* TiXmlElement::ReadValue(const char* p, TiXmlParsingData* data) {
     }
     p = SkipWhiteSpace(p);
   }
-  if (!p) SetError(GetDocument(), TIXML_ERROR_READING_ELEMENT_VALUE, start, data);
+  if (!p) SetError(document, TIXML_ERROR_READING_ELEMENT_VALUE, start, data);
   return p;
 }
 
