@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <memory>
 #include <ostream>
+#include <typeinfo>
 
 #include "documents/xml_arena.h"
 #include "documents/xml_document.h"
@@ -14,8 +15,24 @@ void Write(std::FILE* file, const std::string& text) {
   std::fwrite(text.data(), 1, text.size(), file);
 }
 
-std::string Indent(int depth) {
-  return std::string(depth > 0 ? 4 * static_cast<std::size_t>(depth) : 0, ' ');
+void AppendIndent(std::string* text, int depth) {
+  if (depth > 0) text->append(4 * static_cast<std::size_t>(depth), ' ');
+}
+
+// Where tags are composed, one per thread and reused: a printed element would otherwise make a
+// string of its own. Each use writes it out before handing over to a child.
+std::string& Scratch() {
+  thread_local std::string text;
+  text.clear();
+  return text;
+}
+
+// A child that is plain text prints as PutString of its value in both forms, so it can join its
+// parent's tags in one write. A kind derived from it prints its own way.
+const TiXmlText* OnlyPlainText(const TiXmlNode* first, const TiXmlNode* last) {
+  if (first != last || !first->ToText()) return nullptr;
+  const TiXmlText* text = first->ToText();
+  return typeid(*text) == typeid(TiXmlText) ? text : nullptr;
 }
 
 }  // namespace
@@ -35,31 +52,50 @@ TiXmlElement::~TiXmlElement() {
 
 // Each tag is composed first and written in one call: a call per piece costs more than the text.
 void TiXmlElement::Print(std::FILE* file, int depth) const {
-  std::string tag = Indent(depth);
-  AppendStartTag(&tag);
-  Write(file, tag);
-  if (!firstChild) return;
-  const std::string endTag = "</" + value + ">";
+  std::string& text = Scratch();
+  AppendIndent(&text, depth);
+  AppendStartTag(&text);
+  if (!firstChild) {
+    Write(file, text);
+    return;
+  }
+  if (const TiXmlText* only = OnlyPlainText(firstChild, lastChild)) {
+    PutString(only->SValue(), &text);
+    AppendEndTag(&text);
+    Write(file, text);
+    return;
+  }
+  Write(file, text);
   if (firstChild == lastChild && firstChild->ToText()) {
     firstChild->Print(file, depth + 1);
-    Write(file, endTag);
+    Write(file, AppendEndTag(&Scratch()));
     return;
   }
   for (const TiXmlNode* node = firstChild; node; node = node->NextSibling()) {
     if (!node->ToText()) std::fputc('\n', file);
     node->Print(file, depth + 1);
   }
-  Write(file, "\n" + Indent(depth) + endTag);
+  std::string& end = Scratch();
+  end += '\n';
+  AppendIndent(&end, depth);
+  Write(file, AppendEndTag(&end));
 }
 
 void TiXmlElement::StreamOut(std::ostream* out) const {
-  std::string tag;
-  AppendStartTag(&tag);
-  out->write(tag.data(), static_cast<std::streamsize>(tag.size()));
-  if (!firstChild) return;
-  for (const TiXmlNode* node = firstChild; node; node = node->NextSibling()) node->StreamOut(out);
-  const std::string endTag = "</" + value + ">";
-  out->write(endTag.data(), static_cast<std::streamsize>(endTag.size()));
+  std::string& text = Scratch();
+  AppendStartTag(&text);
+  if (firstChild) {
+    if (const TiXmlText* only = OnlyPlainText(firstChild, lastChild)) {
+      PutString(only->SValue(), &text);
+    } else {
+      out->write(text.data(), static_cast<std::streamsize>(text.size()));
+      for (const TiXmlNode* node = firstChild; node; node = node->NextSibling())
+        node->StreamOut(out);
+      Scratch();
+    }
+    AppendEndTag(&text);
+  }
+  out->write(text.data(), static_cast<std::streamsize>(text.size()));
 }
 
 void TiXmlElement::AppendStartTag(std::string* tag) const {
@@ -67,9 +103,16 @@ void TiXmlElement::AppendStartTag(std::string* tag) const {
   *tag += value;
   for (const TiXmlAttribute* a = attributeSet.First(); a; a = a->Next()) {
     *tag += ' ';
-    *tag += a->Markup();
+    a->AppendMarkup(tag);
   }
   *tag += firstChild ? ">" : " />";
+}
+
+const std::string& TiXmlElement::AppendEndTag(std::string* tag) const {
+  *tag += "</";
+  *tag += value;
+  *tag += '>';
+  return *tag;
 }
 
 const char* TiXmlElement::Parse(const char* p, TiXmlParsingData* data, TiXmlNode* /*parent*/) {

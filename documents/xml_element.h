@@ -89,6 +89,8 @@ class TARN_EXPORT TiXmlElement : public TiXmlNode {
   const char* BehindEndTag(const char* p) const;
   // "<name", the attributes, and ">" or " />" when there are no children.
   void AppendStartTag(std::string* tag) const;
+  // "</name>"; returns `tag`.
+  const std::string& AppendEndTag(std::string* tag) const;
 
   TiXmlAttributeSet attributeSet;
 };
