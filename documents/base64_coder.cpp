@@ -12,7 +12,6 @@
 #define TARN_BASE64_SSE2 1
 #endif
 
-
 namespace {
 
 using TempBucket = CBase64Coder::TempBucket;

@@ -27,8 +27,11 @@ std::string& Scratch() {
   return text;
 }
 
-// A child that is plain text prints as PutString of its value in both forms, so it can join its
-// parent's tags in one write. A kind derived from it prints its own way.
+// A short child that is plain text prints as PutString of its value in both forms, so it can
+// join its parent's tags in one write. A kind derived from it prints its own way, and a long
+// text is better written where it stands than copied first.
+constexpr std::size_t kJoinedText = 256;
+
 const TiXmlText* OnlyPlainText(const TiXmlNode* first, const TiXmlNode* last) {
   if (first != last || !first->ToText()) return nullptr;
   const TiXmlText* text = first->ToText();
@@ -59,7 +62,8 @@ void TiXmlElement::Print(std::FILE* file, int depth) const {
     Write(file, text);
     return;
   }
-  if (const TiXmlText* only = OnlyPlainText(firstChild, lastChild)) {
+  if (const TiXmlText* only = OnlyPlainText(firstChild, lastChild);
+      only && only->SValue().size() <= kJoinedText) {
     PutString(only->SValue(), &text);
     AppendEndTag(&text);
     Write(file, text);
@@ -85,7 +89,8 @@ void TiXmlElement::StreamOut(std::ostream* out) const {
   std::string& text = Scratch();
   AppendStartTag(&text);
   if (firstChild) {
-    if (const TiXmlText* only = OnlyPlainText(firstChild, lastChild)) {
+    if (const TiXmlText* only = OnlyPlainText(firstChild, lastChild);
+        only && only->SValue().size() <= kJoinedText) {
       PutString(only->SValue(), &text);
     } else {
       out->write(text.data(), static_cast<std::streamsize>(text.size()));
