@@ -36,8 +36,8 @@ class TARN_EXPORT TiXmlParsingData {
 
   // Advances the cursor to `now`. A tab moves to the next multiple of the tab size; LF, CR and
   // either pair of them count as one line break; a zero ends the count. Positions before the
-  // last stamp leave the cursor where it is.
-  void Stamp(const char* now);
+  // last stamp leave the cursor where it is. Returns the cursor.
+  TiXmlCursor Stamp(const char* now);
   const TiXmlCursor& Cursor() const { return cursor; }
 
  private:
