@@ -82,9 +82,9 @@ std::uint32_t CopyKept(const unsigned char* data, std::uint32_t size, unsigned c
   // Sixteen at a time while all of them are above 32.
   const __m128i above = _mm_set1_epi8(33);
   while (size - i >= 16) {
-    const __m128i chars = _mm_loadu_si128(reinterpret_cast<const __m128i*>(data + i));
+    const __m128i chars = _mm_loadu_si128(static_cast<const __m128i*>(static_cast<const void*>(data + i)));
     if (_mm_movemask_epi8(_mm_cmpeq_epi8(_mm_max_epu8(chars, above), chars)) != 0xFFFF) break;
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(out + kept), chars);
+    _mm_storeu_si128(static_cast<__m128i*>(static_cast<void*>(out + kept)), chars);
     kept += 16;
     i += 16;
   }

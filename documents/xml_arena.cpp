@@ -144,10 +144,10 @@ void* TiXmlBase::operator new(std::size_t size, TiXmlArena& arena) { return aren
 void TiXmlBase::operator delete(void* object, std::size_t size) noexcept {
   if (!object) return;
   char* const block = static_cast<char*>(object) - kHeader;
-  if (TiXmlArena* arena = reinterpret_cast<TiXmlAllocationHeader*>(block)->arena) {
+  if (TiXmlArena* arena = static_cast<TiXmlAllocationHeader*>(static_cast<void*>(block))->arena) {
     arena->Release(object, size);
   } else {
-    ::operator delete(block, kHeader + size);
+    ::operator delete(block);
   }
 }
 
