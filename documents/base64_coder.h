@@ -93,6 +93,8 @@ class TARN_EXPORT CBase64Coder {
   void EncodeGroups(Step step);
   template <class Step>
   void DecodeGroups(Step step);
+  // Decode of a plain CBase64Coder, whose buffers have room for `size` already.
+  void DecodePlain(const unsigned char* data, std::uint32_t size);
   // Whether `data` lies in one of this coder's buffers, which a call clears before reading.
   bool IsOwnBuffer(const unsigned char* data) const;
   // Whether this object is a plain CBase64Coder, whose steps can be called directly.

@@ -1,5 +1,6 @@
 #include "documents/xml_attribute.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
@@ -19,14 +20,18 @@ void TiXmlAttribute::StreamOut(std::ostream* out) const {
 }
 
 std::string TiXmlAttribute::Markup() const {
-  const char quote = value.find('"') == std::string::npos ? '"' : '\'';
   std::string text;
-  PutString(name, &text);
-  text += '=';
-  text += quote;
-  PutString(value, &text);
-  text += quote;
+  AppendMarkup(&text);
   return text;
+}
+
+void TiXmlAttribute::AppendMarkup(std::string* text) const {
+  const char quote = std::find(value.begin(), value.end(), '"') == value.end() ? '"' : '\'';
+  PutString(name, text);
+  *text += '=';
+  *text += quote;
+  PutString(value, text);
+  *text += quote;
 }
 
 const char* TiXmlAttribute::Parse(const char* p, TiXmlParsingData* data, TiXmlNode* /*parent*/) {

@@ -69,6 +69,7 @@ class TARN_EXPORT TiXmlAttribute : public TiXmlBase {
  private:
   // The printed form, shared by Print and StreamOut.
   std::string Markup() const;
+  void AppendMarkup(std::string* text) const;
   // The set's sentinel is the one attribute with neither name nor value.
   bool IsSentinel() const { return name.empty() && value.empty(); }
 

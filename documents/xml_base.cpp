@@ -109,31 +109,42 @@ TiXmlParsingData::TiXmlParsingData(const char* start, int tabSize, std::int32_t 
                                    std::int32_t col)
     : cursor{row, col}, stamp(start), tabsize(tabSize) {}
 
-void TiXmlParsingData::Stamp(const char* now) {
-  if (tabsize < 1 || !now || now <= stamp) return;
+// Counts in locals and hands the cursor back by value: a stamp per node reads it straight
+// after writing it, and through memory that read waits for the writes.
+TiXmlCursor TiXmlParsingData::Stamp(const char* now) {
+  if (tabsize < 1 || !now || now <= stamp) return cursor;
+  std::int32_t row = cursor.row;
+  std::int32_t col = cursor.col;
   const char* p = stamp;
   while (p < now && *p) {
     // Eight bytes at a time while none of them is a control character.
     std::uint64_t word = 0;
     while (now - p >= 8 && (std::memcpy(&word, p, 8), !HasControl(word))) {
-      cursor.col += 8;
+      col += 8;
       p += 8;
     }
+    // Ordinary bytes short of a word in one count.
+    const char* const ordinary = p;
+    while (p < now && static_cast<unsigned char>(*p) >= 14) ++p;
+    col += static_cast<std::int32_t>(p - ordinary);
     if (p == now || !*p) break;
     const char c = *p++;
     if (c == '\n' || c == '\r') {
       // CR LF and LF CR are one break, however the stamps fall.
       const char pair = c == '\n' ? '\r' : '\n';
       if (p < now && *p == pair) ++p;
-      ++cursor.row;
-      cursor.col = 0;
+      ++row;
+      col = 0;
     } else if (c == '\t') {
-      cursor.col += tabsize - cursor.col % tabsize;
+      col += tabsize - col % tabsize;
     } else {
-      ++cursor.col;
+      ++col;
     }
   }
   stamp = p;
+  cursor.row = row;
+  cursor.col = col;
+  return TiXmlCursor{row, col};
 }
 
 TiXmlBase::~TiXmlBase() = default;
@@ -179,7 +190,15 @@ const char* TiXmlBase::ReadText(const char* p, std::string* text, bool trim, con
   const char stops[] = {'&', first, exact ? first : ToLower(first), exact ? first : ToUpper(first),
                         '\0'};
   for (;;) {
-    const std::size_t run = std::strcspn(p, stops);
+    // Most texts are short, where a plain scan beats setting up the library's; a long one is
+    // handed over to it after a while.
+    const char* end = p;
+    const auto isStop = [&stops](char c) {
+      return !c || c == stops[0] || c == stops[1] || c == stops[2] || c == stops[3];
+    };
+    for (int n = 0; n < 64 && !isStop(*end); ++n) ++end;
+    if (!isStop(*end)) end += std::strcspn(end, stops);
+    const auto run = static_cast<std::size_t>(end - p);
     text->append(p, run);
     p += run;
     if (!*p) return p;
@@ -257,6 +276,5 @@ void TiXmlBase::SetError(TiXmlDocument* document, int id, const char* p, TiXmlPa
 
 void TiXmlBase::Stamp(const char* p, TiXmlParsingData* data) {
   if (!data) return;
-  data->Stamp(p);
-  location = data->Cursor();
+  location = data->Stamp(p);
 }

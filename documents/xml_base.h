@@ -4,6 +4,7 @@
 // Documents are not shared between threads; the statics here are read-only in use.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <cstdio>
 #include <iosfwd>
@@ -13,6 +14,7 @@
 
 class TiXmlNode;
 class TiXmlDocument;
+class TiXmlArena;
 
 // Result of the attribute queries.
 enum : int { TIXML_SUCCESS = 0, TIXML_NO_ATTRIBUTE = 1, TIXML_WRONG_TYPE = 2 };
@@ -34,8 +36,8 @@ class TARN_EXPORT TiXmlParsingData {
 
   // Advances the cursor to `now`. A tab moves to the next multiple of the tab size; LF, CR and
   // either pair of them count as one line break; a zero ends the count. Positions before the
-  // last stamp leave the cursor where it is.
-  void Stamp(const char* now);
+  // last stamp leave the cursor where it is. Returns the cursor.
+  TiXmlCursor Stamp(const char* now);
   const TiXmlCursor& Cursor() const { return cursor; }
 
  private:
@@ -71,6 +73,13 @@ class TARN_EXPORT TiXmlBase {
   TiXmlBase(const TiXmlBase&) = delete;
   TiXmlBase& operator=(const TiXmlBase&) = delete;
   virtual ~TiXmlBase();
+
+  // Objects made with new carry a note of where their memory came from: the heap, or the arena
+  // of the document whose parse made them. Either way each can be deleted on its own.
+  static void* operator new(std::size_t size);
+  static void* operator new(std::size_t size, TiXmlArena& arena);
+  static void operator delete(void* object, std::size_t size) noexcept;
+  static void operator delete(void* object, TiXmlArena& arena) noexcept;
 
   // Writes the pretty form, for files: `depth` levels of four-blank indent where the kind
   // indents at all.

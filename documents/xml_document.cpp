@@ -4,8 +4,17 @@
 #include <ostream>
 
 #include "documents/xml.h"
+#include "documents/xml_arena.h"
 
-TiXmlDocument::~TiXmlDocument() = default;
+TiXmlDocument::~TiXmlDocument() {
+  Clear();  // the nodes go first, while their arena is certainly alive
+  if (arena) arena->Abandon();
+}
+
+TiXmlArena* TiXmlDocument::Arena() {
+  if (!arena) arena = new TiXmlArena;
+  return arena;
+}
 
 bool TiXmlDocument::LoadFile() { return LoadFile(value.c_str()); }
 

@@ -71,4 +71,10 @@ class TARN_EXPORT TiXmlDocument : public TiXmlNode {
   std::string errorDesc;
   int tabsize = 4;
   TiXmlCursor errorLocation;
+
+  friend class TiXmlNode;
+  friend class TiXmlElement;
+  // Where the nodes and attributes of this document's parses are made; made at first use.
+  TiXmlArena* Arena();
+  TiXmlArena* arena = nullptr;
 };

@@ -3,7 +3,9 @@
 #include <cstdlib>
 #include <memory>
 #include <ostream>
+#include <typeinfo>
 
+#include "documents/xml_arena.h"
 #include "documents/xml_document.h"
 #include "documents/xml_text.h"
 
@@ -13,8 +15,27 @@ void Write(std::FILE* file, const std::string& text) {
   std::fwrite(text.data(), 1, text.size(), file);
 }
 
-std::string Indent(int depth) {
-  return std::string(depth > 0 ? 4 * static_cast<std::size_t>(depth) : 0, ' ');
+void AppendIndent(std::string* text, int depth) {
+  if (depth > 0) text->append(4 * static_cast<std::size_t>(depth), ' ');
+}
+
+// Where tags are composed, one per thread and reused: a printed element would otherwise make a
+// string of its own. Each use writes it out before handing over to a child.
+std::string& Scratch() {
+  thread_local std::string text;
+  text.clear();
+  return text;
+}
+
+// A short child that is plain text prints as PutString of its value in both forms, so it can
+// join its parent's tags in one write. A kind derived from it prints its own way, and a long
+// text is better written where it stands than copied first.
+constexpr std::size_t kJoinedText = 256;
+
+const TiXmlText* OnlyPlainText(const TiXmlNode* first, const TiXmlNode* last) {
+  if (first != last || !first->ToText()) return nullptr;
+  const TiXmlText* text = first->ToText();
+  return typeid(*text) == typeid(TiXmlText) ? text : nullptr;
 }
 
 }  // namespace
@@ -22,39 +43,64 @@ std::string Indent(int depth) {
 TiXmlElement::TiXmlElement(const char* name) : TiXmlNode(ELEMENT) { value = name; }
 
 TiXmlElement::~TiXmlElement() {
-  while (TiXmlAttribute* attribute = attributeSet.First()) {
-    attributeSet.Remove(attribute);
+  // The set goes with the element, so its links need no mending on the way.
+  const TiXmlAttribute* const last = attributeSet.Last();
+  TiXmlAttribute* attribute = attributeSet.First();
+  while (attribute) {
+    TiXmlAttribute* const following = attribute == last ? nullptr : attribute->next;
     delete attribute;
+    attribute = following;
   }
 }
 
 // Each tag is composed first and written in one call: a call per piece costs more than the text.
 void TiXmlElement::Print(std::FILE* file, int depth) const {
-  std::string tag = Indent(depth);
-  AppendStartTag(&tag);
-  Write(file, tag);
-  if (!firstChild) return;
-  const std::string endTag = "</" + value + ">";
+  std::string& text = Scratch();
+  AppendIndent(&text, depth);
+  AppendStartTag(&text);
+  if (!firstChild) {
+    Write(file, text);
+    return;
+  }
+  if (const TiXmlText* only = OnlyPlainText(firstChild, lastChild);
+      only && only->SValue().size() <= kJoinedText) {
+    PutString(only->SValue(), &text);
+    AppendEndTag(&text);
+    Write(file, text);
+    return;
+  }
+  Write(file, text);
   if (firstChild == lastChild && firstChild->ToText()) {
     firstChild->Print(file, depth + 1);
-    Write(file, endTag);
+    Write(file, AppendEndTag(&Scratch()));
     return;
   }
   for (const TiXmlNode* node = firstChild; node; node = node->NextSibling()) {
     if (!node->ToText()) std::fputc('\n', file);
     node->Print(file, depth + 1);
   }
-  Write(file, "\n" + Indent(depth) + endTag);
+  std::string& end = Scratch();
+  end += '\n';
+  AppendIndent(&end, depth);
+  Write(file, AppendEndTag(&end));
 }
 
 void TiXmlElement::StreamOut(std::ostream* out) const {
-  std::string tag;
-  AppendStartTag(&tag);
-  out->write(tag.data(), static_cast<std::streamsize>(tag.size()));
-  if (!firstChild) return;
-  for (const TiXmlNode* node = firstChild; node; node = node->NextSibling()) node->StreamOut(out);
-  const std::string endTag = "</" + value + ">";
-  out->write(endTag.data(), static_cast<std::streamsize>(endTag.size()));
+  std::string& text = Scratch();
+  AppendStartTag(&text);
+  if (firstChild) {
+    if (const TiXmlText* only = OnlyPlainText(firstChild, lastChild);
+        only && only->SValue().size() <= kJoinedText) {
+      PutString(only->SValue(), &text);
+    } else {
+      out->write(text.data(), static_cast<std::streamsize>(text.size()));
+      for (const TiXmlNode* node = firstChild; node; node = node->NextSibling())
+        node->StreamOut(out);
+      Scratch();
+    }
+    AppendEndTag(&text);
+  }
+  out->write(text.data(), static_cast<std::streamsize>(text.size()));
 }
 
 void TiXmlElement::AppendStartTag(std::string* tag) const {
@@ -62,9 +108,16 @@ void TiXmlElement::AppendStartTag(std::string* tag) const {
   *tag += value;
   for (const TiXmlAttribute* a = attributeSet.First(); a; a = a->Next()) {
     *tag += ' ';
-    *tag += a->Markup();
+    a->AppendMarkup(tag);
   }
   *tag += firstChild ? ">" : " />";
+}
+
+const std::string& TiXmlElement::AppendEndTag(std::string* tag) const {
+  *tag += "</";
+  *tag += value;
+  *tag += '>';
+  return *tag;
 }
 
 const char* TiXmlElement::Parse(const char* p, TiXmlParsingData* data, TiXmlNode* /*parent*/) {
@@ -90,6 +143,7 @@ const char* TiXmlElement::Parse(const char* p, TiXmlParsingData* data, TiXmlNode
 
 const char* TiXmlElement::ParseRest(const char* p, TiXmlParsingData* data) {
   TiXmlDocument* document = GetDocument();
+  TiXmlArena* arena = document ? document->Arena() : nullptr;
   for (;;) {
     p = SkipWhiteSpace(p);
     if (!*p) {
@@ -104,12 +158,11 @@ const char* TiXmlElement::ParseRest(const char* p, TiXmlParsingData* data) {
     if (*p == '>') {
       p = ReadValue(p + 1, data);
       if (!p) return nullptr;
-      const std::string endTag = "</" + value + ">";
-      if (StringEqual(p, endTag.c_str(), false)) return p + endTag.size();
+      if (const char* behind = BehindEndTag(p)) return behind;
       SetError(document, TIXML_ERROR_READING_END_TAG, p, data);
       return nullptr;
     }
-    auto attribute = std::make_unique<TiXmlAttribute>();
+    std::unique_ptr<TiXmlAttribute> attribute(NewInArena<TiXmlAttribute>(arena));
     attribute->SetDocument(document);
     const char* start = p;
     p = attribute->Parse(p, data, this);
@@ -126,13 +179,24 @@ const char* TiXmlElement::ParseRest(const char* p, TiXmlParsingData* data) {
   }
 }
 
+// StringEqual(p, "</" + name + ">", false), without making the string.
+const char* TiXmlElement::BehindEndTag(const char* p) const {
+  if (p[0] != '<' || p[1] != '/') return nullptr;
+  p += 2;
+  if (!StringEqual(p, value.c_str(), false)) return nullptr;
+  p += value.size();
+  return *p == '>' ? p + 1 : nullptr;
+}
+
 const char* TiXmlElement::ReadValue(const char* p, TiXmlParsingData* data) {
+  TiXmlDocument* document = GetDocument();
+  TiXmlArena* arena = document ? document->Arena() : nullptr;
   p = SkipWhiteSpace(p);
   const char* start = p;
   while (p && *p) {
     start = p;
     if (*p != '<') {
-      auto text = std::make_unique<TiXmlText>("");
+      std::unique_ptr<TiXmlText> text(NewInArena<TiXmlText>(arena, ""));
       p = text->Parse(p, data, this);
       if (!text->Blank()) LinkEndChild(text.release());
     } else if (StringEqual(p, "</", false)) {
@@ -144,7 +208,7 @@ const char* TiXmlElement::ReadValue(const char* p, TiXmlParsingData* data) {
     }
     p = SkipWhiteSpace(p);
   }
-  if (!p) SetError(GetDocument(), TIXML_ERROR_READING_ELEMENT_VALUE, start, data);
+  if (!p) SetError(document, TIXML_ERROR_READING_ELEMENT_VALUE, start, data);
   return p;
 }
 

@@ -85,8 +85,12 @@ class TARN_EXPORT TiXmlElement : public TiXmlNode {
   // Parses attributes from `p` up to ">" or "/>", and what follows; see Parse.
   const char* ParseRest(const char* p, TiXmlParsingData* data);
   bool IsTooDeep() const;
+  // Behind this element's end tag at `p`, its name compared without case; null when not there.
+  const char* BehindEndTag(const char* p) const;
   // "<name", the attributes, and ">" or " />" when there are no children.
   void AppendStartTag(std::string* tag) const;
+  // "</name>"; returns `tag`.
+  const std::string& AppendEndTag(std::string* tag) const;
 
   TiXmlAttributeSet attributeSet;
 };

@@ -6,6 +6,7 @@
 #include <streambuf>
 
 #include "documents/xml.h"
+#include "documents/xml_arena.h"
 
 namespace {
 
@@ -197,15 +198,17 @@ void TiXmlNode::CopyToClone(TiXmlNode* target) const {
 TiXmlNode* TiXmlNode::Identify(const char* p) {
   p = SkipWhiteSpace(p);
   if (!p || *p != '<') return nullptr;
+  TiXmlDocument* document = GetDocument();
+  TiXmlArena* arena = document ? document->Arena() : nullptr;
   TiXmlNode* node = nullptr;
   if (StringEqual(p, "<?xml", true))
-    node = new TiXmlDeclaration;
+    node = NewInArena<TiXmlDeclaration>(arena);
   else if (IsLetterOrUnderscore(p[1]))
-    node = new TiXmlElement("");
+    node = NewInArena<TiXmlElement>(arena, "");
   else if (StringEqual(p, "<!--", false))
-    node = new TiXmlComment;
+    node = NewInArena<TiXmlComment>(arena);
   else
-    node = new TiXmlUnknown;
+    node = NewInArena<TiXmlUnknown>(arena);
   node->parent = this;
   return node;
 }

@@ -1,5 +1,9 @@
 // Auto-reset events: a set event releases exactly one wait and clears itself. A thread can wait
 // on two at once, where the first wins when both are set (a stop request before more work).
+//
+// Each event sleeps its waiters on a mutex and condition variable of its own. The first wait on
+// two events together moves both onto one shared pair for good, so that waking the waiter of a
+// pair costs what waking a thread on a bare condition variable costs: one lock, one notify.
 #pragma once
 
 #include <atomic>
@@ -10,6 +14,8 @@
 class CAutoResetEvent {
  public:
   CAutoResetEvent() = default;
+  // Must not be waited on or set any more.
+  ~CAutoResetEvent();
   CAutoResetEvent(const CAutoResetEvent&) = delete;
   CAutoResetEvent& operator=(const CAutoResetEvent&) = delete;
 
@@ -21,24 +27,33 @@ class CAutoResetEvent {
 
  private:
   friend int WaitForEither(CAutoResetEvent& first, CAutoResetEvent& second, std::int64_t timeoutMs);
-  struct Waiter;
-  struct WaitLink {
-    Waiter* waiter;
-    WaitLink* next;
+  struct Hub;
+
+  // Takes the signal if set. Lock-free, so the fast paths need no lock at all.
+  bool TryConsume() noexcept { return m_signalled.exchange(false, std::memory_order_acq_rel); }
+  // Locks the hub this event sleeps on now: a Set or a Wait that raced with a move onto a shared
+  // hub follows it there.
+  std::unique_lock<std::mutex> LockHub(Hub*& hub);
+  // Puts both events on one shared hub and returns it, or null when each already shares one
+  // with another partner.
+  static Hub* Bind(CAutoResetEvent& first, CAutoResetEvent& second);
+  // Moves this event, still on its own hub, onto `shared`.
+  void MoveTo(Hub* shared);
+
+  struct Hub {
+    std::mutex mutex;
+    std::condition_variable cv;
+    std::atomic<int> members{0};  // events on a shared hub; the last one to go frees it
   };
 
-  // Takes the signal if set. Lock-free, so a woken waiter never queues behind the Set() that
-  // woke it, which still holds the mutex while it walks its waiters.
-  bool TryConsume() noexcept { return m_signalled.exchange(false, std::memory_order_acq_rel); }
-  void Link(WaitLink& link);
-  void Unlink(WaitLink& link);
-
-  std::mutex m_mutex;
-  std::condition_variable m_cv;
+  Hub m_own;
+  std::atomic<Hub*> m_hub{&m_own};  // changes at most once, from m_own to a shared hub
   std::atomic<bool> m_signalled{false};
-  WaitLink* m_links = nullptr;  // multi-event waits in progress, each link on its waiter's stack
 };
 
 // [any thread] Waits for either event and consumes the one that ends the wait: 0 for `first`,
 // 1 for `second`, -1 on time-out. When both are set `first` is taken and `second` stays set.
+// Events are meant to be waited on in one pairing for their life (a worker's stop and wake).
+// An event already paired with another partner is still waited on correctly, by looking again
+// each millisecond.
 int WaitForEither(CAutoResetEvent& first, CAutoResetEvent& second, std::int64_t timeoutMs = -1);

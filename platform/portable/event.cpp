@@ -1,103 +1,138 @@
 #include "platform/event.h"
 
+#include <algorithm>
 #include <chrono>
-
-struct CAutoResetEvent::Waiter {
-  std::mutex mutex;
-  std::condition_variable cv;
-  bool woken = false;
-};
 
 namespace {
 
 using Clock = std::chrono::steady_clock;
+
+// A waiter on two events that each share a hub with someone else looks again this often.
+constexpr auto kLookAgain = std::chrono::milliseconds(1);
 
 Clock::time_point DeadlineAfter(std::int64_t timeoutMs) {
   return timeoutMs < 0 ? Clock::time_point::max()
                        : Clock::now() + std::chrono::milliseconds(timeoutMs);
 }
 
+// Pairing is rare (once per pair), so one lock for all of it keeps two pairings apart.
+std::mutex& BindMutex() {
+  static std::mutex mutex;
+  return mutex;
+}
+
 }  // namespace
+
+CAutoResetEvent::~CAutoResetEvent() {
+  Hub* hub = m_hub.load(std::memory_order_acquire);
+  if (hub != &m_own && hub->members.fetch_sub(1, std::memory_order_acq_rel) == 1) delete hub;
+}
+
+std::unique_lock<std::mutex> CAutoResetEvent::LockHub(Hub*& hub) {
+  for (;;) {
+    hub = m_hub.load(std::memory_order_acquire);
+    std::unique_lock lock(hub->mutex);
+    if (m_hub.load(std::memory_order_acquire) == hub) return lock;
+  }
+}
 
 void CAutoResetEvent::Set() {
   // A burst of posts finds the event still set: nothing to do, and no lock to take for it.
   if (m_signalled.load(std::memory_order_acquire)) return;
+  Hub* hub = nullptr;
   {
-    std::lock_guard lock(m_mutex);
-    // Already set: every waiter was woken then, or will find it set. Waking again would only
-    // cost a system call per post while the worker is on its way.
+    const auto lock = LockHub(hub);
     if (m_signalled.exchange(true, std::memory_order_acq_rel)) return;
-    // The mutex, held while the waiters are woken, keeps each from unlinking meanwhile.
-    for (WaitLink* link = m_links; link; link = link->next) {
-      {
-        std::lock_guard waiterLock(link->waiter->mutex);
-        link->waiter->woken = true;
-      }
-      link->waiter->cv.notify_one();
-    }
   }
-  m_cv.notify_one();  // outside the lock, so a single waiter does not wake into it
-}
-
-void CAutoResetEvent::Link(WaitLink& link) {
-  std::lock_guard lock(m_mutex);
-  link.next = m_links;
-  m_links = &link;
-}
-
-void CAutoResetEvent::Unlink(WaitLink& link) {
-  std::lock_guard lock(m_mutex);
-  for (WaitLink** at = &m_links; *at; at = &(*at)->next) {
-    if (*at == &link) {
-      *at = link.next;
-      return;
-    }
+  // Outside the lock, so the waiter does not wake into it. The hub outlives this call: it is
+  // our own, or a shared one that this event keeps alive.
+  if (hub == &m_own) {
+    hub->cv.notify_one();
+  } else {
+    hub->cv.notify_all();  // the partner's waiters sleep here too and must not take our wake
   }
 }
 
 bool CAutoResetEvent::Wait(std::int64_t timeoutMs) {
-  std::unique_lock lock(m_mutex);
+  if (TryConsume()) return true;
+  if (timeoutMs == 0) return false;
   const auto deadline = DeadlineAfter(timeoutMs);
-  while (!TryConsume()) {
-    if (deadline == Clock::time_point::max()) {
-      m_cv.wait(lock);
-    } else if (m_cv.wait_until(lock, deadline) == std::cv_status::timeout) {
-      return TryConsume();
+  for (;;) {
+    Hub* hub = nullptr;
+    auto lock = LockHub(hub);
+    while (m_hub.load(std::memory_order_acquire) == hub) {
+      if (TryConsume()) return true;
+      if (deadline == Clock::time_point::max()) {
+        hub->cv.wait(lock);
+      } else if (hub->cv.wait_until(lock, deadline) == std::cv_status::timeout) {
+        return TryConsume();
+      }
     }
+    // Moved onto a shared hub while asleep: follow it.
   }
-  return true;
+}
+
+void CAutoResetEvent::MoveTo(Hub* shared) {
+  shared->members.fetch_add(1, std::memory_order_acq_rel);
+  {
+    std::lock_guard lock(m_own.mutex);
+    m_hub.store(shared, std::memory_order_release);
+  }
+  m_own.cv.notify_all();  // waits asleep on the own hub follow the event
+}
+
+CAutoResetEvent::Hub* CAutoResetEvent::Bind(CAutoResetEvent& first, CAutoResetEvent& second) {
+  // Once shared, a hub is permanent: the usual wait gets here without the lock.
+  Hub* const firstHub = first.m_hub.load(std::memory_order_acquire);
+  if (firstHub == second.m_hub.load(std::memory_order_acquire)) return firstHub;
+
+  std::lock_guard lock(BindMutex());
+  Hub* const a = first.m_hub.load(std::memory_order_acquire);
+  Hub* const b = second.m_hub.load(std::memory_order_acquire);
+  if (a == b) return a;
+  const bool firstAlone = a == &first.m_own;
+  const bool secondAlone = b == &second.m_own;
+  if (firstAlone && secondAlone) {
+    Hub* const shared = new Hub;
+    first.MoveTo(shared);
+    second.MoveTo(shared);
+    return shared;
+  }
+  if (firstAlone) {
+    first.MoveTo(b);
+    return b;
+  }
+  if (secondAlone) {
+    second.MoveTo(a);
+    return a;
+  }
+  return nullptr;
 }
 
 int WaitForEither(CAutoResetEvent& first, CAutoResetEvent& second, std::int64_t timeoutMs) {
-  // A worker that comes back from a batch usually finds more work set: take it without linking.
+  // A worker that comes back from a batch usually finds more work set: take it without a lock.
   if (first.TryConsume()) return 0;
   if (second.TryConsume()) return 1;
   if (timeoutMs == 0) return -1;
 
-  CAutoResetEvent::Waiter waiter;
-  CAutoResetEvent::WaitLink firstLink{&waiter, nullptr};
-  CAutoResetEvent::WaitLink secondLink{&waiter, nullptr};
-  first.Link(firstLink);
-  second.Link(secondLink);
-
   const auto deadline = DeadlineAfter(timeoutMs);
-  int result = -1;
+  CAutoResetEvent::Hub* const shared = CAutoResetEvent::Bind(first, second);
+  // Without a shared hub a Set on `second` wakes nobody here; the waits below are cut short.
+  CAutoResetEvent::Hub* const hub = shared ? shared : first.m_hub.load(std::memory_order_acquire);
+  std::unique_lock lock(hub->mutex);
   for (;;) {
-    {
-      std::lock_guard lock(waiter.mutex);
-      waiter.woken = false;
-    }
-    // A Set() after these checks flags the waiter, so the wait below cannot miss it.
-    if (first.TryConsume()) { result = 0; break; }
-    if (second.TryConsume()) { result = 1; break; }
-    std::unique_lock lock(waiter.mutex);
-    if (deadline == Clock::time_point::max()) {
-      waiter.cv.wait(lock, [&] { return waiter.woken; });
-    } else if (!waiter.cv.wait_until(lock, deadline, [&] { return waiter.woken; })) {
-      break;
+    // Sets of both events take this lock when it is shared, so none can fall between these
+    // checks and the wait.
+    if (first.TryConsume()) return 0;
+    if (second.TryConsume()) return 1;
+    const auto until = shared ? deadline : std::min(deadline, Clock::now() + kLookAgain);
+    if (until == Clock::time_point::max()) {
+      hub->cv.wait(lock);
+    } else if (hub->cv.wait_until(lock, until) == std::cv_status::timeout &&
+               Clock::now() >= deadline) {
+      if (first.TryConsume()) return 0;
+      if (second.TryConsume()) return 1;
+      return -1;
     }
   }
-  first.Unlink(firstLink);
-  second.Unlink(secondLink);
-  return result;
 }

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <cstring>
 #include <string>
 #include <vector>
 
@@ -123,6 +124,52 @@ TEST(Base64, ADerivedCoderChangesAStep) {
   coder.skipDashes = false;
   coder.Decode("Q-Q-");
   EXPECT_NE(std::string(coder.DecodedMessage(), 1), "A");
+}
+
+// Goes the step-by-step road: a derived coder whose steps are the base class's own.
+class StepCoder : public OpenCoder {
+ public:
+  const unsigned char* DecodedBuffer() const { return m_decodedBuffer; }
+
+ protected:
+  void _DecodeRaw(TempBucket& out, const TempBucket& in) override {
+    CBase64Coder::_DecodeRaw(out, in);
+  }
+};
+
+// A plain coder decodes through its own faster road; every byte of both buffers, up to their
+// capacities, must be what the steps leave, over text of every kind and reused coders.
+TEST(Base64, APlainCoderLeavesBothBuffersAsTheStepsDo) {
+  const std::string alphabet =
+      "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+  const std::string odd = std::string("= \t\r\n\x07\x0b\x0c!~\x80\xc1\xe1\xff", 14) + '\0';
+  std::uint32_t seed = 7;
+  const auto next = [&seed] { return seed = seed * 1664525u + 1013904223u; };
+  CBase64Coder plain;
+  StepCoder steps;
+  for (int round = 0; round < 60; ++round) {
+    // Long and short, clean and dirty, so the coders grow, shrink and realign.
+    const std::uint32_t length = round % 3 == 0 ? next() % 20000 : next() % 40;
+    const std::uint32_t dirt = round % 4 == 0 ? 0 : 1 + next() % 40;  // one odd character in so many
+    std::string text;
+    for (std::uint32_t i = 0; i < length; ++i) {
+      const std::uint32_t r = next() >> 8;
+      text += (dirt && r % dirt == 0) ? odd[(r >> 8) % odd.size()] : alphabet[(r >> 8) % 64];
+    }
+    const auto* data = reinterpret_cast<const unsigned char*>(text.data());
+    plain.Decode(data, static_cast<std::uint32_t>(text.size()));
+    steps.Decode(data, static_cast<std::uint32_t>(text.size()));
+    ASSERT_EQ(plain.EncodedMessageSize(), steps.EncodedMessageSize()) << round;
+    ASSERT_EQ(plain.DecodedMessageSize(), steps.DecodedMessageSize()) << round;
+    if (!steps.EncodedBuffer()) {
+      ASSERT_EQ(plain.EncodedMessage(), nullptr) << round;
+      continue;
+    }
+    ASSERT_EQ(0, std::memcmp(plain.EncodedMessage(), steps.EncodedBuffer(), steps.EncodedCapacity()))
+        << round;
+    ASSERT_EQ(0, std::memcmp(plain.DecodedMessage(), steps.DecodedBuffer(), steps.DecodedCapacity()))
+        << round;
+  }
 }
 
 }  // namespace

@@ -1,0 +1,22 @@
+// Runs the registered benchmarks as BENCHMARK_MAIN does, then prints one line per ratio that the
+// program tracks: ours against the baseline of the same run, its target, and whether it holds.
+#pragma once
+
+#include <string>
+#include <vector>
+
+struct RatioRow {
+  std::string label;     // what the line is called, e.g. "parse/pugixml"
+  std::string ours;      // full run name of our benchmark
+  std::string baseline;  // full run name of the baseline
+  std::string counter;   // user counter to compare; empty compares real time per iteration
+  double target = 1.0;
+  // Speed compares baseline time over ours and must reach the target; otherwise ours over the
+  // baseline must stay at or under it.
+  bool speed = false;
+  std::string alsoShow;  // another counter printed beside, for both runs (e.g. "p99_us")
+};
+
+// With repetitions the median of each run is compared. Rows whose runs were filtered out are
+// left out. Returns what main returns.
+int RunWithRatios(int argc, char** argv, const std::vector<RatioRow>& rows);
