@@ -95,11 +95,29 @@ TEST(Registered, TheFilterIsCreatedByClassIdentifierAndAnswersItsInterfaces) {
             S_OK);
   ASSERT_EQ(filter->QueryInterface(IID_IPersistStream, reinterpret_cast<void**>(&persist)), S_OK);
 
-  // Saved state is not served yet: both directions say so, through a real stream.
+  // A state saved through the system's own memory stream comes back in a second instance.
+  ASSERT_EQ(myFilter->SetOutputRechannel(7), S_OK);
   IStream* stream = nullptr;
   ASSERT_EQ(CreateStreamOnHGlobal(nullptr, TRUE, &stream), S_OK);
-  EXPECT_EQ(persist->Save(stream, TRUE), E_NOTIMPL);
-  EXPECT_EQ(persist->Load(stream), E_NOTIMPL);
+  EXPECT_EQ(persist->Save(stream, TRUE), S_OK);
+  LARGE_INTEGER start{};
+  ASSERT_EQ(stream->Seek(start, STREAM_SEEK_SET, nullptr), S_OK);
+  IUnknown* second = nullptr;
+  ASSERT_EQ(CoCreateInstance(CLSID_TarnFilter, nullptr, CLSCTX_INPROC_SERVER, IID_IUnknown,
+                             reinterpret_cast<void**>(&second)),
+            S_OK);
+  IPersistStream* secondPersist = nullptr;
+  IMyFilter* secondFilter = nullptr;
+  ASSERT_EQ(second->QueryInterface(IID_IPersistStream, reinterpret_cast<void**>(&secondPersist)),
+            S_OK);
+  ASSERT_EQ(second->QueryInterface(IID_IMyFilter, reinterpret_cast<void**>(&secondFilter)), S_OK);
+  EXPECT_EQ(secondPersist->Load(stream), S_OK);
+  std::uint32_t channel = 0;
+  EXPECT_EQ(secondFilter->GetOutputRechannel(&channel), S_OK);
+  EXPECT_EQ(channel, 7u);
+  secondFilter->Release();
+  secondPersist->Release();
+  second->Release();
   stream->Release();
 
   for (IUnknown* face : {static_cast<IUnknown*>(synth), static_cast<IUnknown*>(myFilter),
