@@ -14,6 +14,7 @@
 
 #include <pugixml.hpp>
 
+#include "bench/plain_base64.h"
 #include "documents/xml.h"
 #include "platform/streams.h"
 #include "tests/support/test_instance.h"
@@ -21,49 +22,6 @@
 namespace {
 
 constexpr std::size_t kSysexBytes = 4u << 20;
-constexpr char kAlphabet[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
-
-// The peers' base64: table driven, no checks, as fast as plain code gets.
-void PlainEncode(const std::uint8_t* in, std::size_t size, std::string& out) {
-  out.resize((size + 2) / 3 * 4);
-  char* o = out.data();
-  std::size_t i = 0;
-  for (; i + 3 <= size; i += 3, o += 4) {
-    const std::uint32_t v = std::uint32_t{in[i]} << 16 | std::uint32_t{in[i + 1]} << 8 | in[i + 2];
-    o[0] = kAlphabet[v >> 18];
-    o[1] = kAlphabet[(v >> 12) & 63];
-    o[2] = kAlphabet[(v >> 6) & 63];
-    o[3] = kAlphabet[v & 63];
-  }
-  if (i < size) {
-    const std::uint32_t v =
-        std::uint32_t{in[i]} << 16 | (i + 1 < size ? std::uint32_t{in[i + 1]} << 8 : 0u);
-    o[0] = kAlphabet[v >> 18];
-    o[1] = kAlphabet[(v >> 12) & 63];
-    o[2] = i + 1 < size ? kAlphabet[(v >> 6) & 63] : '=';
-    o[3] = '=';
-  }
-}
-
-void PlainDecode(const char* in, std::size_t size, std::vector<std::uint8_t>& out) {
-  static const std::array<std::uint8_t, 256> table = [] {
-    std::array<std::uint8_t, 256> t{};
-    for (std::uint8_t i = 0; i < 64; ++i) t[static_cast<std::uint8_t>(kAlphabet[i])] = i;
-    return t;
-  }();
-  out.resize(size / 4 * 3);
-  std::uint8_t* o = out.data();
-  for (std::size_t i = 0; i + 4 <= size; i += 4, o += 3) {
-    const std::uint32_t v = std::uint32_t{table[static_cast<std::uint8_t>(in[i])]} << 18 |
-                            std::uint32_t{table[static_cast<std::uint8_t>(in[i + 1])]} << 12 |
-                            std::uint32_t{table[static_cast<std::uint8_t>(in[i + 2])]} << 6 |
-                            table[static_cast<std::uint8_t>(in[i + 3])];
-    o[0] = static_cast<std::uint8_t>(v >> 16);
-    o[1] = static_cast<std::uint8_t>(v >> 8);
-    o[2] = static_cast<std::uint8_t>(v);
-  }
-}
-
 std::vector<std::uint8_t> SysexBlock() {
   std::vector<std::uint8_t> bytes(kSysexBytes);
   std::uint32_t seed = 2024;
@@ -179,7 +137,7 @@ void PeerLoad(benchmark::State& state) {
     pugi::xml_document doc;
     doc.load_buffer(text.data(), text.size());
     const pugi::char_t* block = doc.child("Config").child("MIDIMsg").text().get();
-    PlainDecode(block, std::char_traits<char>::length(block), decoded);
+    plain_base64::Decode(block, std::char_traits<char>::length(block), decoded);
     benchmark::DoNotOptimize(decoded.data());
   }
   state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(text.size()));
@@ -197,7 +155,7 @@ void PeerSave(benchmark::State& state) {
   std::string encoded;
   StringWriter writer;
   for (auto _ : state) {
-    PlainEncode(sysex.data(), sysex.size(), encoded);
+    plain_base64::Encode(sysex.data(), sysex.size(), encoded);
     pugi::xml_document doc;
     pugi::xml_node config = doc.append_child("Config");
     config.append_attribute("Schema") = 1;

@@ -10,6 +10,7 @@
 
 #include <pugixml.hpp>
 
+#include "bench/plain_base64.h"
 #include "bench/ratio_report.h"
 #include "documents/base64_coder.h"
 #include "documents/xml.h"
@@ -197,49 +198,6 @@ void TarnReadTextThenDecode(benchmark::State& state) {
 }
 BENCHMARK(TarnReadTextThenDecode);
 
-// The peer coder: one table each way, no steps, no buffer rule.
-constexpr char kAlphabet[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
-
-void PlainEncode(const unsigned char* in, std::size_t size, std::string* out) {
-  out->resize((size + 2) / 3 * 4);
-  char* o = out->data();
-  std::size_t i = 0;
-  for (; i + 3 <= size; i += 3, o += 4) {
-    const std::uint32_t v = std::uint32_t{in[i]} << 16 | std::uint32_t{in[i + 1]} << 8 | in[i + 2];
-    o[0] = kAlphabet[v >> 18];
-    o[1] = kAlphabet[(v >> 12) & 63];
-    o[2] = kAlphabet[(v >> 6) & 63];
-    o[3] = kAlphabet[v & 63];
-  }
-  if (i < size) {
-    const std::uint32_t v =
-        std::uint32_t{in[i]} << 16 | (i + 1 < size ? std::uint32_t{in[i + 1]} << 8 : 0u);
-    o[0] = kAlphabet[v >> 18];
-    o[1] = kAlphabet[(v >> 12) & 63];
-    o[2] = i + 1 < size ? kAlphabet[(v >> 6) & 63] : '=';
-    o[3] = '=';
-  }
-}
-
-void PlainDecode(const char* in, std::size_t size, std::vector<unsigned char>* out) {
-  static const std::array<unsigned char, 256> table = [] {
-    std::array<unsigned char, 256> t{};
-    for (unsigned char i = 0; i < 64; ++i) t[static_cast<unsigned char>(kAlphabet[i])] = i;
-    return t;
-  }();
-  out->resize(size / 4 * 3);
-  unsigned char* o = out->data();
-  for (std::size_t i = 0; i + 4 <= size; i += 4, o += 3) {
-    const std::uint32_t v = std::uint32_t{table[static_cast<unsigned char>(in[i])]} << 18 |
-                            std::uint32_t{table[static_cast<unsigned char>(in[i + 1])]} << 12 |
-                            std::uint32_t{table[static_cast<unsigned char>(in[i + 2])]} << 6 |
-                            table[static_cast<unsigned char>(in[i + 3])];
-    o[0] = static_cast<unsigned char>(v >> 16);
-    o[1] = static_cast<unsigned char>(v >> 8);
-    o[2] = static_cast<unsigned char>(v);
-  }
-}
-
 const std::vector<unsigned char>& BlobBytes() {
   static const std::vector<unsigned char> bytes = RandomBytes(kBlobBytes);
   return bytes;
@@ -260,7 +218,7 @@ void PlainEncodeBench(benchmark::State& state) {
   const std::vector<unsigned char>& bytes = BlobBytes();
   std::string out;
   for (auto _ : state) {
-    PlainEncode(bytes.data(), bytes.size(), &out);
+    plain_base64::Encode(bytes.data(), bytes.size(), out);
     benchmark::DoNotOptimize(out.data());
   }
   CountBytes(state, bytes.size());
@@ -283,7 +241,7 @@ void PlainDecodeBench(benchmark::State& state) {
   const std::string& text = Base64Text();
   std::vector<unsigned char> out;
   for (auto _ : state) {
-    PlainDecode(text.data(), text.size(), &out);
+    plain_base64::Decode(text.data(), text.size(), out);
     benchmark::DoNotOptimize(out.data());
   }
   CountBytes(state, text.size());
