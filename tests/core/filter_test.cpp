@@ -71,13 +71,13 @@ TEST(FilterConnection, ASecondConnectFailsAndStillReleasesTheLentContext) {
 
 TEST(FilterConnection, AContextWithoutATempoMapIsRefused) {
   FakeMidiPorts ports;
+  FakeTempoMap tempoMap;  // the host's objects outlive the instance that holds them
   FakeHostContext context;
   context.midiPorts = &ports;
   TestInstance instance;
   context.AddRef();
   EXPECT_EQ(instance->Connect(&context), E_NOINTERFACE);
   EXPECT_EQ(ports.RefCount(), 0) << "nothing else is asked for";
-  FakeTempoMap tempoMap;
   context.tempoMap = &tempoMap;
   context.AddRef();
   EXPECT_EQ(instance->Connect(&context), S_OK) << "the failed attempt left it unconnected";
@@ -101,14 +101,15 @@ TEST(FilterConnection, TheSinkIsHeldWithAReferenceAndGivenOutWithAnother) {
 }
 
 TEST(FilterTime, ConvertsThroughTheConverterThenTheTempoMapThenNothing) {
+  FakeTempoMap tempoMap(480, 500);  // 120 beats per minute
+  FakeTimeConverter converter(100);
+  FakeHostContext context;  // the host's objects outlive the instance that holds them
   TestInstance instance;
   WaveFormat format{WAVE_FORMAT_IEEE_FLOAT_TAG, 2, 48000, 384000, 8, 32, 0};
   instance->SetInputFormat(format);
   EXPECT_EQ(instance->TicksToSamples(480), 0);
   EXPECT_EQ(instance->SamplesToTicks(48000), 0);
 
-  FakeTempoMap tempoMap(480, 500);  // 120 beats per minute
-  FakeHostContext context;
   context.tempoMap = &tempoMap;
   context.AddRef();
   instance->Connect(&context);
@@ -118,7 +119,6 @@ TEST(FilterTime, ConvertsThroughTheConverterThenTheTempoMapThenNothing) {
   instance->SamplesToTicks(INT64_MAX);  // far positions must not overflow on the way
   instance->Disconnect();
 
-  FakeTimeConverter converter(100);
   context.timeConverter = &converter;
   context.AddRef();
   instance->Connect(&context);
