@@ -8,17 +8,6 @@
 
 namespace {
 
-HRESULT QueryStream(IStream* self, REFIID iid, void** object) {
-  if (!object) return E_POINTER;
-  if (iid == IID_IUnknown || iid == IID_ISequentialStream || iid == IID_IStream) {
-    self->AddRef();
-    *object = self;
-    return S_OK;
-  }
-  *object = nullptr;
-  return E_NOINTERFACE;
-}
-
 // The position that `move` from `origin` gives, or false when it falls before the start or
 // past what 64 bits can hold.
 bool NewPosition(std::uint64_t current, std::uint64_t end, std::int64_t move, DWORD origin,
@@ -82,6 +71,19 @@ void FillStat(STATSTG* stat, std::uint64_t size) {
 
 }  // namespace
 
+// --- what both share ---------------------------------------------------------------------------
+
+HRESULT CStreamBase::CopyTo(IStream* pstm, ULARGE_INTEGER cb, ULARGE_INTEGER* pcbRead,
+                            ULARGE_INTEGER* pcbWritten) {
+  return CopyBlocks(*this, pstm, cb.QuadPart, pcbRead, pcbWritten);
+}
+
+HRESULT CStreamBase::Stat(STATSTG* pstatstg, DWORD) {
+  if (!pstatstg) return STG_E_INVALIDPOINTER;
+  FillStat(pstatstg, Size());
+  return S_OK;
+}
+
 // --- memory ------------------------------------------------------------------------------------
 
 CMemoryStream* CMemoryStream::Create(const void* bytes, std::size_t size) {
@@ -91,16 +93,6 @@ CMemoryStream* CMemoryStream::Create(const void* bytes, std::size_t size) {
     stream->m_bytes.assign(first, first + size);
   }
   return stream;
-}
-
-HRESULT CMemoryStream::QueryInterface(REFIID iid, void** object) {
-  return QueryStream(this, iid, object);
-}
-ULONG CMemoryStream::AddRef() { return ++m_refCount; }
-ULONG CMemoryStream::Release() {
-  const ULONG left = --m_refCount;
-  if (left == 0) delete this;
-  return left;
 }
 
 HRESULT CMemoryStream::Read(void* pv, ULONG cb, ULONG* pcbRead) {
@@ -143,24 +135,6 @@ HRESULT CMemoryStream::SetSize(ULARGE_INTEGER libNewSize) {
   return S_OK;
 }
 
-HRESULT CMemoryStream::CopyTo(IStream* pstm, ULARGE_INTEGER cb, ULARGE_INTEGER* pcbRead,
-                              ULARGE_INTEGER* pcbWritten) {
-  return CopyBlocks(*this, pstm, cb.QuadPart, pcbRead, pcbWritten);
-}
-
-HRESULT CMemoryStream::LockRegion(ULARGE_INTEGER, ULARGE_INTEGER, DWORD) {
-  return STG_E_INVALIDFUNCTION;
-}
-HRESULT CMemoryStream::UnlockRegion(ULARGE_INTEGER, ULARGE_INTEGER, DWORD) {
-  return STG_E_INVALIDFUNCTION;
-}
-
-HRESULT CMemoryStream::Stat(STATSTG* pstatstg, DWORD) {
-  if (!pstatstg) return STG_E_INVALIDPOINTER;
-  FillStat(pstatstg, m_bytes.size());
-  return S_OK;
-}
-
 HRESULT CMemoryStream::Clone(IStream** ppstm) {
   if (!ppstm) return STG_E_INVALIDPOINTER;
   CMemoryStream* copy = Create(m_bytes.data(), m_bytes.size());
@@ -180,23 +154,13 @@ CFileStream* CFileStream::Open(const std::filesystem::path& path, Mode mode, HRE
                          : std::ios::in | std::ios::out | std::ios::trunc | std::ios::binary;
   stream->m_file.open(path, flags);
   if (!stream->m_file.is_open()) {
-    delete stream;
+    stream->Release();
     hr = STG_E_FILENOTFOUND;
     return nullptr;
   }
   stream->m_writable = mode == Mode::Create;
   hr = S_OK;
   return stream;
-}
-
-HRESULT CFileStream::QueryInterface(REFIID iid, void** object) {
-  return QueryStream(this, iid, object);
-}
-ULONG CFileStream::AddRef() { return ++m_refCount; }
-ULONG CFileStream::Release() {
-  const ULONG left = --m_refCount;
-  if (left == 0) delete this;
-  return left;
 }
 
 HRESULT CFileStream::Read(void* pv, ULONG cb, ULONG* pcbRead) {
@@ -256,27 +220,9 @@ HRESULT CFileStream::SetSize(ULARGE_INTEGER libNewSize) {
   return error ? STG_E_MEDIUMFULL : S_OK;
 }
 
-HRESULT CFileStream::CopyTo(IStream* pstm, ULARGE_INTEGER cb, ULARGE_INTEGER* pcbRead,
-                            ULARGE_INTEGER* pcbWritten) {
-  return CopyBlocks(*this, pstm, cb.QuadPart, pcbRead, pcbWritten);
-}
-
 HRESULT CFileStream::Commit(DWORD) {
   m_file.flush();
   return m_file ? S_OK : STG_E_WRITEFAULT;
-}
-
-HRESULT CFileStream::LockRegion(ULARGE_INTEGER, ULARGE_INTEGER, DWORD) {
-  return STG_E_INVALIDFUNCTION;
-}
-HRESULT CFileStream::UnlockRegion(ULARGE_INTEGER, ULARGE_INTEGER, DWORD) {
-  return STG_E_INVALIDFUNCTION;
-}
-
-HRESULT CFileStream::Stat(STATSTG* pstatstg, DWORD) {
-  if (!pstatstg) return STG_E_INVALIDPOINTER;
-  FillStat(pstatstg, Size());
-  return S_OK;
 }
 
 HRESULT CFileStream::Clone(IStream** ppstm) {
