@@ -109,6 +109,10 @@ HRESULT FakeMidiPorts::SendShortMsg(MidiPortHandle handle, std::uint32_t message
     return S_OK;
   }
   if (m_failShort) return E_FAIL;
+  {
+    std::lock_guard lock(m_mutex);
+    if (!m_loopListeners.empty()) m_onWire.push_back(message);
+  }
   Record({FakeClock::now(), handle, false, message, {}});
   return S_OK;
 }
@@ -229,6 +233,64 @@ std::vector<std::int32_t> FakeMidiPorts::UsedInputIds() const {
 std::vector<std::int32_t> FakeMidiPorts::UsedOutputIds() const {
   std::lock_guard lock(m_mutex);
   return m_usedOutputs;
+}
+
+FakeMidiPorts::~FakeMidiPorts() { LoopBackTo({}); }
+
+void FakeMidiPorts::LoopBackTo(std::vector<IMfxSoftSynth2*> listeners) {
+  std::unique_lock lock(m_mutex);
+  if (!listeners.empty()) {
+    m_loopListeners = std::move(listeners);
+    m_loopEnding = false;
+    if (!m_loopThread.joinable()) m_loopThread = std::thread([this] { DeliverLoop(); });
+    return;
+  }
+  if (!m_loopThread.joinable()) return;
+  m_loopEnding = true;
+  m_loopHeld = false;
+  m_cv.notify_all();
+  lock.unlock();
+  m_loopThread.join();
+  lock.lock();
+  m_loopListeners.clear();
+  m_onWire.clear();
+}
+
+void FakeMidiPorts::HoldLoopback(bool hold) {
+  {
+    std::lock_guard lock(m_mutex);
+    m_loopHeld = hold;
+  }
+  m_cv.notify_all();
+}
+
+bool FakeMidiPorts::WaitForLoopbackIdle(int timeoutMs) const {
+  std::unique_lock lock(m_mutex);
+  return m_cv.wait_for(lock, std::chrono::milliseconds(timeoutMs),
+                       [&] { return m_onWire.empty() && !m_delivering; });
+}
+
+// Hands over what is on the wire as one list per listener, outside the lock, so that a listener
+// may send again into this fake.
+void FakeMidiPorts::DeliverLoop() {
+  std::unique_lock lock(m_mutex);
+  for (;;) {
+    m_cv.wait(lock, [&] { return m_loopEnding || (!m_loopHeld && !m_onWire.empty()); });
+    if (m_onWire.empty()) return;
+    std::vector<HostDataRecord> records;
+    for (std::uint32_t message : m_onWire) records.push_back({0, message});
+    m_onWire.clear();
+    const std::vector<IMfxSoftSynth2*> listeners = m_loopListeners;
+    m_delivering = true;
+    lock.unlock();
+    for (IMfxSoftSynth2* listener : listeners) {
+      FakeDataList list(records);
+      listener->OnInput(0, &list);
+    }
+    lock.lock();
+    m_delivering = false;
+    m_cv.notify_all();
+  }
 }
 
 // --- sink ------------------------------------------------------------------------------------

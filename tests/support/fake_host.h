@@ -6,9 +6,11 @@
 #include <chrono>
 #include <condition_variable>
 #include <cstdint>
+#include <deque>
 #include <mutex>
 #include <optional>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "interfaces/host_interfaces.h"
@@ -65,9 +67,15 @@ class FakePinObserver final : public FakeUnknown<IHostPinObserver> {
 };
 
 // The host's ports. Every send is recorded with its arrival time; sends fail on request; output
-// port N has handle N + 1 unless set otherwise, so a zero handle is a deliberate choice.
+// port N has handle N + 1 unless set otherwise, so a zero handle is a deliberate choice. On
+// request the outputs are looped back: what is sent arrives on chosen instances' inputs.
 class FakeMidiPorts final : public FakeUnknown<IHostMidiPorts2> {
  public:
+  FakeMidiPorts() = default;
+  ~FakeMidiPorts();
+  FakeMidiPorts(const FakeMidiPorts&) = delete;
+  FakeMidiPorts& operator=(const FakeMidiPorts&) = delete;
+
   struct Sent {
     FakeClock::time_point at;
     MidiPortHandle handle;
@@ -122,6 +130,18 @@ class FakeMidiPorts final : public FakeUnknown<IHostMidiPorts2> {
   bool WaitForHandleQueries(std::size_t count, int timeoutMs) const;
   std::vector<std::int32_t> UsedInputIds() const;
   std::vector<std::int32_t> UsedOutputIds() const;
+
+  // --- loopback, as a MIDI cable from the outputs back to the inputs ---
+  // Every short message sent from now on (still recorded) arrives on each of `listeners`
+  // through OnInput, from a thread of this fake's own, as a host's input thread delivers it.
+  // An empty list delivers what is on its way, then ends the loop and its thread: call it
+  // before any listener goes.
+  void LoopBackTo(std::vector<IMfxSoftSynth2*> listeners);
+  // While held, sent messages wait on the wire; releasing delivers them.
+  void HoldLoopback(bool hold);
+  // Waits until everything sent so far was delivered (none is held); false after `timeoutMs`.
+  bool WaitForLoopbackIdle(int timeoutMs) const;
+
   // Input and output ids are 100 + index and 200 + index.
   static constexpr std::int32_t kInputIdBase = 100;
   static constexpr std::int32_t kOutputIdBase = 200;
@@ -147,6 +167,14 @@ class FakeMidiPorts final : public FakeUnknown<IHostMidiPorts2> {
   bool m_failSysex = false;
   void (*m_hook)(void*, std::uint32_t) = nullptr;
   void* m_hookContext = nullptr;
+
+  void DeliverLoop();
+  std::vector<IMfxSoftSynth2*> m_loopListeners;
+  std::deque<std::uint32_t> m_onWire;
+  bool m_delivering = false;
+  bool m_loopHeld = false;
+  bool m_loopEnding = false;
+  std::thread m_loopThread;
 };
 
 // The host's sink: records every record handed to it, and fails on request.
