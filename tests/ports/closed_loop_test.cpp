@@ -3,12 +3,15 @@
 #include "ports/closed_loop_test.h"
 
 #include <algorithm>
+#include <chrono>
 #include <map>
 #include <memory>
+#include <thread>
 #include <vector>
 
 #include <gtest/gtest.h>
 
+#include "core/activity.h"
 #include "ports/instance_tracker.h"
 #include "tests/support/test_instance.h"
 
@@ -114,10 +117,21 @@ class ClosedLoop : public ::testing::Test {
     m_lastNumber = number;
     for (auto& rig : rigs) {
       ASSERT_TRUE(rig->ports.WaitForSends(m_queued / rigs.size(), 5000));
+      // A send is counted just after the port call returns, and shown just after that.
+      ASSERT_TRUE(WaitForOutputActivity(*rig, m_queued / rigs.size()));
       if (!held) {
         ASSERT_TRUE(rig->ports.WaitForLoopbackIdle(5000));
       }
     }
+  }
+
+  static bool WaitForOutputActivity(ConnectedRig& rig, std::size_t count) {
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(5);
+    while (rig.window.Messages(OutputActivityMessage()).size() < count) {
+      if (std::chrono::steady_clock::now() > deadline) return false;
+      std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    return true;
   }
 
   std::vector<std::unique_ptr<ConnectedRig>> rigs;
