@@ -32,6 +32,7 @@ int main(int argc, char** argv) {
   auto* newCmd = app.add_subcommand("new", "Write a rack of fresh instances");
   newCmd->add_option("rack", fresh.rack, "The rack file to write")->required();
   newCmd->add_option("--count", fresh.count, "Number of instances")->check(CLI::Range(1, 256));
+  newCmd->add_option("--name", fresh.names, "Display name of an instance (repeat for each)");
   newCmd->add_option("--class", fresh.classId, "Class identifier of the soft synth");
 
   RunOptions run;

@@ -2,7 +2,9 @@
 
 #include <sndfile.h>
 
+#include <algorithm>
 #include <chrono>
+#include <cmath>
 #include <cstring>
 #include <thread>
 
@@ -10,10 +12,11 @@ namespace {
 
 constexpr std::int64_t kUnitsPerSecond = 10'000'000;  // stream time is in 100 ns units
 
-WaveFormat MakeFormat(bool floating, std::uint16_t channels, std::int32_t rate) {
-  const std::uint16_t bits = floating ? 32 : 16;
+// The chain always carries 32-bit float, which is what the instances take.
+WaveFormat MakeFormat(std::uint16_t channels, std::int32_t rate) {
+  const std::uint16_t bits = 32;
   const auto align = static_cast<std::uint16_t>(channels * bits / 8);
-  return WaveFormat{floating ? WAVE_FORMAT_IEEE_FLOAT_TAG : WAVE_FORMAT_PCM_TAG,
+  return WaveFormat{WAVE_FORMAT_IEEE_FLOAT_TAG,
                     channels,
                     static_cast<std::uint32_t>(rate),
                     static_cast<std::uint32_t>(rate) * align,
@@ -21,8 +24,6 @@ WaveFormat MakeFormat(bool floating, std::uint16_t channels, std::int32_t rate) 
                     bits,
                     0};
 }
-
-bool IsFloat(const WaveFormat& format) { return format.wFormatTag == WAVE_FORMAT_IEEE_FLOAT_TAG; }
 
 }  // namespace
 
@@ -42,7 +43,7 @@ std::unique_ptr<COfflineDriver> COfflineDriver::Open(const OfflineOptions& optio
   if (options.input) {
     if (!driver->OpenInput(error)) return nullptr;
   } else {
-    driver->m_format = MakeFormat(true, 2, options.sampleRate);
+    driver->m_format = MakeFormat(2, options.sampleRate);
   }
   if (options.output && !driver->OpenOutput(error)) return nullptr;
   return driver;
@@ -80,8 +81,8 @@ bool COfflineDriver::OpenInput(std::string& error) {
     return false;
   }
   m_inputFrames = m_in->info.frames;
-  m_format = MakeFormat(subtype == SF_FORMAT_FLOAT,
-                        static_cast<std::uint16_t>(m_in->info.channels), m_options.sampleRate);
+  m_filePcm16 = subtype == SF_FORMAT_PCM_16;
+  m_format = MakeFormat(static_cast<std::uint16_t>(m_in->info.channels), m_options.sampleRate);
   return true;
 }
 
@@ -92,7 +93,7 @@ bool COfflineDriver::OpenOutput(std::string& error) {
   m_out = std::make_unique<SoundFile>();
   m_out->info.samplerate = m_options.sampleRate;
   m_out->info.channels = m_format.nChannels;
-  m_out->info.format = SF_FORMAT_WAV | (IsFloat(m_format) ? SF_FORMAT_FLOAT : SF_FORMAT_PCM_16);
+  m_out->info.format = SF_FORMAT_WAV | SF_FORMAT_FLOAT;
   if (m_in) m_out->info.format = m_in->info.format;
   m_out->file = sf_open(m_partial.string().c_str(), SFM_WRITE, &m_out->info);
   if (!m_out->file) {
@@ -109,9 +110,13 @@ std::int32_t COfflineDriver::BufferBytes() const {
 
 std::int64_t COfflineDriver::ReadBuffer(std::vector<std::uint8_t>& buffer) {
   const sf_count_t frames = m_options.bufferFrames;
-  if (IsFloat(m_format))
-    return sf_readf_float(m_in->file, reinterpret_cast<float*>(buffer.data()), frames);
-  return sf_readf_short(m_in->file, reinterpret_cast<short*>(buffer.data()), frames);
+  float* samples = reinterpret_cast<float*>(buffer.data());
+  if (!m_filePcm16) return sf_readf_float(m_in->file, samples, frames);
+  m_shorts.resize(static_cast<std::size_t>(frames) * m_format.nChannels);
+  const sf_count_t read = sf_readf_short(m_in->file, m_shorts.data(), frames);
+  const auto count = static_cast<std::size_t>(std::max<sf_count_t>(read, 0)) * m_format.nChannels;
+  for (std::size_t i = 0; i < count; ++i) samples[i] = static_cast<float>(m_shorts[i]) / 32768.0f;
+  return read;
 }
 
 void COfflineDriver::ShowProgress(std::int64_t total, int& shown) const {
@@ -160,16 +165,23 @@ bool COfflineDriver::Stream(CHostSource& source, std::string& error) {
 
 void COfflineDriver::Consume(std::span<const std::uint8_t> bytes) {
   if (!m_out || m_writeFailed) return;
-  const sf_count_t frames = static_cast<sf_count_t>(bytes.size() / m_format.nBlockAlign);
-  // Copied out so that the file's own alignment needs never meet the sample's bytes.
-  m_scratch.assign(bytes.begin(), bytes.begin() + frames * m_format.nBlockAlign);
-  const std::uint8_t* copy = m_scratch.data();
+  const std::size_t frames = bytes.size() / m_format.nBlockAlign;
+  const std::size_t count = frames * m_format.nChannels;
+  // Copied out so that the sample's bytes need no particular alignment.
+  m_floats.resize(count);
+  std::memcpy(m_floats.data(), bytes.data(), count * sizeof(float));
   sf_count_t written = 0;
-  if (IsFloat(m_format))
-    written = sf_writef_float(m_out->file, reinterpret_cast<const float*>(copy), frames);
-  else
-    written = sf_writef_short(m_out->file, reinterpret_cast<const short*>(copy), frames);
-  if (written != frames) m_writeFailed = true;
+  if (m_filePcm16) {
+    // The exact inverse of the reading scale, so 16-bit audio comes back bit for bit.
+    m_shorts.resize(count);
+    for (std::size_t i = 0; i < count; ++i)
+      m_shorts[i] = static_cast<short>(
+          std::clamp(std::lrint(m_floats[i] * 32768.0f), -32768L, 32767L));
+    written = sf_writef_short(m_out->file, m_shorts.data(), static_cast<sf_count_t>(frames));
+  } else {
+    written = sf_writef_float(m_out->file, m_floats.data(), static_cast<sf_count_t>(frames));
+  }
+  if (written != static_cast<sf_count_t>(frames)) m_writeFailed = true;
 }
 
 bool COfflineDriver::Finish(std::string& error) {

@@ -1,6 +1,7 @@
 // The embedded audio back end: streams a WAV file (16-bit PCM or 32-bit float, mono or stereo)
 // through the chain as fast as the chain takes it, or silence paced at real time, and writes
-// what comes out to a WAV file of the input's format. The output is written beside its final
+// what comes out to a WAV file of the input's format (float for silence). The chain carries
+// 32-bit float; 16-bit samples are scaled by 1/32768 and back, which is exact. The output is written beside its final
 // name and renamed there only when complete.
 #pragma once
 
@@ -53,5 +54,8 @@ class COfflineDriver final : public CAudioDriver {
   std::int64_t m_frames = 0;
   std::int64_t m_inputFrames = 0;
   bool m_writeFailed = false;
-  std::vector<std::uint8_t> m_scratch;  // reused by Consume, so the stream allocates once
+  bool m_filePcm16 = false;  // the files hold 16-bit PCM; the chain float
+  // Reused for every buffer, so that streaming allocates only at its start.
+  std::vector<short> m_shorts;
+  std::vector<float> m_floats;
 };

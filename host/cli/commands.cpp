@@ -146,9 +146,12 @@ int NewCommand(const NewOptions& options) {
     return 1;
   }
   Rack rack;
-  for (int i = 1; i <= options.count; ++i)
-    rack.instances.push_back({"Synth " + std::to_string(i),
-                              WideToNarrow(GuidToString(clsid)), {}, {}});
+  const std::size_t count =
+      options.names.empty() ? static_cast<std::size_t>(options.count) : options.names.size();
+  for (std::size_t i = 0; i < count; ++i)
+    rack.instances.push_back(
+        {options.names.empty() ? "Synth " + std::to_string(i + 1) : options.names[i],
+         WideToNarrow(GuidToString(clsid)), {}, {}});
   CErrors errors;
   struct : CMidiPortListener {
     void OnPortSend(std::int32_t, std::span<const std::uint8_t>) override {}
@@ -161,7 +164,7 @@ int NewCommand(const NewOptions& options) {
     if (errors.count) return 1;
     if (!SaveRack(options.rack, rack, live)) return 1;
   }
-  std::printf("wrote %s with %d instances\n", options.rack.c_str(), options.count);
+  std::printf("wrote %s with %zu instances\n", options.rack.c_str(), count);
   return 0;
 }
 

@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <vector>
 
 struct RegisterOptions {
   std::filesystem::path module;  // empty: the module installed beside tarn-host
@@ -22,9 +23,10 @@ int PortsCommand(int count);
 struct NewOptions {
   std::filesystem::path rack;
   int count = 2;
-  std::string classId;  // empty: the first registered soft synth
+  std::vector<std::string> names;  // display names; when given, one instance each
+  std::string classId;             // empty: Tarn's own class
 };
-// Writes a rack of fresh instances named "Synth 1", "Synth 2", ...
+// Writes a rack of fresh instances named by `names`, or "Synth 1", "Synth 2", ...
 int NewCommand(const NewOptions& options);
 
 struct RunOptions {
