@@ -5,6 +5,7 @@
 #include <chrono>
 #include <cstdio>
 #include <fstream>
+#include <mutex>
 #include <sstream>
 #include <thread>
 
@@ -74,6 +75,41 @@ bool SaveRack(const std::filesystem::path& path, Rack rack, CLiveRack& live) {
   }
   return true;
 }
+
+// Output N wired back to input N: whole short messages cross as live input to the instances
+// listening there; until Open they are held, after Close dropped.
+class CInputRouting {
+ public:
+  // [traffic thread]
+  void Route(const PortMessage& message) {
+    if (message.bytes.empty() || message.bytes.size() > 3 || message.bytes[0] == 0xF0) return;
+    std::uint32_t packed = 0;
+    for (std::size_t i = 0; i < message.bytes.size(); ++i)
+      packed |= static_cast<std::uint32_t>(message.bytes[i]) << (8 * i);
+    std::lock_guard lock(m_mutex);
+    if (m_live) m_live->DeliverInput(message.port, packed);
+    else if (!m_closed) m_held.emplace_back(message.port, packed);
+  }
+  // [host thread] Delivers what was held, then everything as it comes.
+  void Open(CLiveRack& live) {
+    std::lock_guard lock(m_mutex);
+    m_live = &live;
+    for (const auto& [port, packed] : m_held) live.DeliverInput(port, packed);
+    m_held.clear();
+  }
+  // [host thread]
+  void Close() {
+    std::lock_guard lock(m_mutex);
+    m_live = nullptr;
+    m_closed = true;
+  }
+
+ private:
+  std::mutex m_mutex;
+  CLiveRack* m_live = nullptr;
+  bool m_closed = false;
+  std::vector<std::pair<std::int32_t, std::uint32_t>> m_held;
+};
 
 }  // namespace
 
@@ -189,19 +225,14 @@ int RunCommand(const RunOptions& options) {
     return 1;
   }
 
-  CLiveRack* router = nullptr;  // set while the instances may take input
-  std::mutex routerMutex;
+  // Live input waits until every state is loaded, so that an instance sending on load reaches
+  // a listener that is loaded after it.
+  CInputRouting routing;
   CVirtualMidiPorts* portsForNames = nullptr;
   CPortTraffic traffic([&](const PortMessage& message) {
     if (!options.quiet)
       std::printf("%s\n", MonitorLine(message, PortName(portsForNames, message.port, true)).c_str());
-    // Output N is wired back to input N; only whole short messages travel as live input.
-    if (message.bytes.empty() || message.bytes.size() > 3 || message.bytes[0] == 0xF0) return;
-    std::uint32_t packed = 0;
-    for (std::size_t i = 0; i < message.bytes.size(); ++i)
-      packed |= static_cast<std::uint32_t>(message.bytes[i]) << (8 * i);
-    std::lock_guard lock(routerMutex);
-    if (router) router->DeliverInput(message.port, packed);
+    routing.Route(message);
   });
   CVirtualMidiPorts ports(rack->settings.midiPorts, traffic);
   portsForNames = &ports;
@@ -213,12 +244,9 @@ int RunCommand(const RunOptions& options) {
     CLiveRack live(options.rack, rack->settings, &ports, errors.Sink());
     live.Create(rack->instances);
     if (!live.ConnectAudio(source, sink)) return 1;
-    {
-      std::lock_guard lock(routerMutex);
-      router = &live;
-    }
     live.Pause(&source, &sink);
     live.LoadStates();  // after Pause, so that the workers send what the states hold
+    routing.Open(live);
     const auto start = std::chrono::steady_clock::now();
     live.Run(&source, &sink);
     live.Start(0);
@@ -228,11 +256,7 @@ int RunCommand(const RunOptions& options) {
     live.StopTransport();
     live.Stop(&source, &sink);
     traffic.Drain();
-    {
-      std::lock_guard lock(routerMutex);
-      router = nullptr;
-    }
-    traffic.Drain();
+    routing.Close();
     std::fflush(stdout);
     PrintSummary(live);
     if (options.save && SaveRack(*options.save, *rack, live))

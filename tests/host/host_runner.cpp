@@ -1,0 +1,63 @@
+#include "tests/host/host_runner.h"
+
+#include <sys/wait.h>
+
+#include <cstdlib>
+#include <fstream>
+#include <regex>
+#include <sstream>
+
+namespace fs = std::filesystem;
+
+HostRunner::HostRunner() {
+  std::string pattern = (fs::temp_directory_path() / "tarn-host-e2e-XXXXXX").string();
+  if (!mkdtemp(pattern.data())) throw std::runtime_error("no temporary folder");
+  m_folder = pattern;
+  fs::copy_file(TARN_MODULE_FILE, m_folder / "libtarn.so");
+  const HostResult registered = Run("register libtarn.so");
+  if (registered.code != 0) throw std::runtime_error("register failed: " + registered.err);
+}
+
+HostRunner::~HostRunner() {
+  std::error_code ignored;
+  fs::remove_all(m_folder, ignored);
+}
+
+HostResult HostRunner::Run(const std::string& arguments) const {
+  const std::string command = "cd '" + m_folder.string() + "' && '" TARN_HOST_FILE
+                              "' --registry registry " + arguments + " >stdout.txt 2>stderr.txt";
+  const int status = std::system(command.c_str());
+  const int code = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+  return {code, Read("stdout.txt"), Read("stderr.txt")};
+}
+
+void HostRunner::Write(const std::string& name, const std::string& text) const {
+  std::ofstream(m_folder / name, std::ios::binary) << text;
+}
+
+std::string HostRunner::Read(const std::string& name) const {
+  std::ifstream file(m_folder / name, std::ios::binary);
+  std::ostringstream text;
+  text << file.rdbuf();
+  return text.str();
+}
+
+std::vector<MonitorEntry> Monitor(const std::string& out) {
+  static const std::regex line(R"(^ *([0-9]+\.[0-9]{3}) ms  (.+?)  ((?:[0-9A-F]{2} ?)+)$)");
+  std::vector<MonitorEntry> entries;
+  std::istringstream lines(out);
+  for (std::string text; std::getline(lines, text);) {
+    std::smatch match;
+    if (std::regex_match(text, match, line))
+      entries.push_back({std::stod(match[1]), match[2], match[3]});
+  }
+  return entries;
+}
+
+std::vector<std::string> BytesAt(const std::string& out, const std::string& port,
+                                 bool withClock) {
+  std::vector<std::string> bytes;
+  for (const MonitorEntry& entry : Monitor(out))
+    if (entry.port == port && (withClock || entry.bytes != "F8")) bytes.push_back(entry.bytes);
+  return bytes;
+}
