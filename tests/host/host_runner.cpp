@@ -2,9 +2,9 @@
 
 #include <sys/wait.h>
 
+#include <cctype>
 #include <cstdlib>
 #include <fstream>
-#include <regex>
 #include <sstream>
 
 namespace fs = std::filesystem;
@@ -42,14 +42,33 @@ std::string HostRunner::Read(const std::string& name) const {
   return text.str();
 }
 
+namespace {
+
+// "B0 07 64": pairs of upper-case hex digits with single blanks between.
+bool IsHexBytes(const std::string& text) {
+  if (text.size() % 3 != 2) return false;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const char c = text[i];
+    const bool ok = i % 3 == 2 ? c == ' ' : (std::isdigit(static_cast<unsigned char>(c)) ||
+                                             (c >= 'A' && c <= 'F'));
+    if (!ok) return false;
+  }
+  return true;
+}
+
+}  // namespace
+
 std::vector<MonitorEntry> Monitor(const std::string& out) {
-  static const std::regex line(R"(^ *([0-9]+\.[0-9]{3}) ms  (.+?)  ((?:[0-9A-F]{2} ?)+)$)");
   std::vector<MonitorEntry> entries;
   std::istringstream lines(out);
   for (std::string text; std::getline(lines, text);) {
-    std::smatch match;
-    if (std::regex_match(text, match, line))
-      entries.push_back({std::stod(match[1]), match[2], match[3]});
+    const std::size_t unit = text.find(" ms  ");
+    const std::size_t gap = text.rfind("  ");
+    if (unit == std::string::npos || gap == std::string::npos || gap <= unit + 4) continue;
+    const std::string bytes = text.substr(gap + 2);
+    if (!IsHexBytes(bytes)) continue;
+    entries.push_back({std::stod(text.substr(0, unit)), text.substr(unit + 5, gap - unit - 5),
+                       bytes});
   }
   return entries;
 }
