@@ -6,13 +6,17 @@
 
 #include <string>
 
-#include "core/filter.h"
 #include "interfaces/mfx_interfaces.h"
 #include "interfaces/my_filter.h"
 #include "interfaces/ole_interfaces.h"
 #include "platform/windows/system.h"
 
 namespace {
+
+// The class identifier alone: the instance's header would pull its inline operations in, and
+// with them the plug-in's libraries, which this client never links.
+constexpr CLSID CLSID_TarnFilter =
+    MakeGuid(0xD8DF3849, 0xA01D, 0x4254, 0xA5, 0x7D, 0x55, 0x15, 0xBF, 0x9E, 0x38, 0x86);
 
 const wchar_t kFilterKey[] = L"CLSID\\{D8DF3849-A01D-4254-A57D-5515BF9E3886}";
 const wchar_t kPageKey[] = L"CLSID\\{7EE1B0E4-0780-435C-9646-D5AB1F16BAFD}";
