@@ -82,6 +82,16 @@ TEST_F(HostTest, RegistrationIsListedAndUndone) {
 }
 
 TEST_F(HostTest, ModulesThatCannotServeAreRefusedByName) {
+  // A registered module that has gone: the instance that needs it says which file.
+  std::filesystem::remove(m_host.File("libtarn.so"));
+  m_host.Write("one.json", R"({"format":"tarn-rack","version":1,"instances":[
+      {"name":"Lead","class":"{D8DF3849-A01D-4254-A57D-5515BF9E3886}"}]})");
+  const HostResult run = m_host.Run("run one.json --seconds 0");
+  EXPECT_EQ(run.code, 1);
+  EXPECT_EQ(run.err.rfind("tarn-host: one.json: instance 1 \"Lead\": module " +
+                              m_host.File("libtarn.so").string() + " cannot be loaded: ", 0),
+            0u) << run.err;
+
   HostResult missing = m_host.Run("register nowhere.so");
   EXPECT_EQ(missing.code, 1);
   EXPECT_EQ(missing.err.rfind("tarn-host: module nowhere.so cannot be loaded: ", 0), 0u)
