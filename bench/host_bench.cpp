@@ -73,17 +73,19 @@ void BM_ChainHostOnly(benchmark::State& state) { Chain(state, false); }
 // The same with one instance between them: the difference is the instance's Receive.
 void BM_ChainWithInstance(benchmark::State& state) { Chain(state, true); }
 
-// The offline driver reading 16-bit stereo and writing it back, through one instance, per
-// buffer (the iteration streams 10 s of audio; items are buffers).
+// The offline driver reading a stereo file and writing it back, through one instance, per
+// buffer (the iteration streams 10 s of audio; items are buffers). The argument is the file's
+// sample width: 16 converts to the chain's float and back, 32 does not.
 void BM_OfflineDriverThroughInstance(benchmark::State& state) {
+  const bool pcm16 = state.range(0) == 16;
   const fs::path in = Folder() / "in.wav";
   const fs::path out = Folder() / "out.wav";
   constexpr sf_count_t kTotal = 48000 * 10;
   {
-    SF_INFO info{0, 48000, 2, SF_FORMAT_WAV | SF_FORMAT_PCM_16, 0, 0};
+    SF_INFO info{0, 48000, 2, SF_FORMAT_WAV | (pcm16 ? SF_FORMAT_PCM_16 : SF_FORMAT_FLOAT), 0, 0};
     SNDFILE* file = sf_open(in.c_str(), SFM_WRITE, &info);
-    std::vector<short> samples(static_cast<std::size_t>(kTotal) * 2, 1234);
-    sf_writef_short(file, samples.data(), kTotal);
+    std::vector<float> samples(static_cast<std::size_t>(kTotal) * 2, 0.25f);
+    sf_writef_float(file, samples.data(), kTotal);
     sf_close(file);
   }
   CSilentListener listener;
@@ -147,7 +149,7 @@ void BM_LoadRack16x100(benchmark::State& state) {
 
 BENCHMARK(BM_ChainHostOnly);
 BENCHMARK(BM_ChainWithInstance);
-BENCHMARK(BM_OfflineDriverThroughInstance)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_OfflineDriverThroughInstance)->Arg(16)->Arg(32)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_LoadRack16x100)->Unit(benchmark::kMillisecond);
 
 }  // namespace
