@@ -52,7 +52,9 @@ void Chain(benchmark::State& state, bool withInstance) {
   CSilentListener listener;
   CVirtualMidiPorts ports(2, listener);
   CHostSource source(StereoFloat(), kFrames * 8);
-  CHostSink sink([](std::span<const std::uint8_t> bytes) { benchmark::DoNotOptimize(bytes.data()); });
+  CHostSink sink([](std::span<const std::uint8_t> bytes, REFERENCE_TIME, REFERENCE_TIME) {
+    benchmark::DoNotOptimize(bytes.data());
+  });
   CLiveRack live("bench", RackSettings{}, &ports, [](const std::string&) {});
   if (withInstance) live.Create({{"A", kClass, {}, {}}});
   live.ConnectAudio(source, sink);
@@ -94,7 +96,9 @@ void BM_OfflineDriverThroughInstance(benchmark::State& state) {
     std::string error;
     auto driver = COfflineDriver::Open({48000, kFrames, 0, in, out, false}, error);
     CHostSource source(driver->Format(), driver->BufferBytes());
-    CHostSink sink([&](std::span<const std::uint8_t> bytes) { driver->Consume(bytes); });
+    CHostSink sink([&](std::span<const std::uint8_t> bytes, REFERENCE_TIME, REFERENCE_TIME) {
+    driver->Consume(bytes);
+  });
     {
       CLiveRack live("bench", RackSettings{}, &ports, [](const std::string&) {});
       live.Create({{"A", kClass, {}, {}}});

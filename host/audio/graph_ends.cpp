@@ -88,7 +88,9 @@ class CHostSource::SourceFilter final : public CBaseFilter {
 };
 
 CHostSource::CHostSource(const WaveFormat& format, std::int32_t bufferBytes)
-    : m_type(AudioMediaType(format)), m_impl(new SourceFilter(m_type, bufferBytes)) {
+    : m_type(AudioMediaType(format)),
+      m_bufferBytes(bufferBytes),
+      m_impl(new SourceFilter(m_type, bufferBytes)) {
   m_filter = ComPtr<IBaseFilter>(m_impl);
 }
 
@@ -136,7 +138,9 @@ class CHostSink::SinkPin final : public CBaseInputPin {
     std::uint8_t* data = nullptr;
     sample->GetPointer(&data);
     const std::int32_t length = sample->GetActualDataLength();
-    if (data && length > 0) m_consumer({data, static_cast<std::size_t>(length)});
+    REFERENCE_TIME start = 0, stop = 0;
+    if (FAILED(sample->GetTime(&start, &stop))) start = stop = 0;
+    if (data && length > 0) m_consumer({data, static_cast<std::size_t>(length)}, start, stop);
     return S_OK;
   }
 

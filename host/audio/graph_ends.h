@@ -24,6 +24,8 @@ class CHostSource {
 
   IBaseFilter* Filter() const noexcept { return m_filter.Get(); }
   IPin* Output() const noexcept;
+  const WaveFormat& Format() const noexcept { return *m_type.WaveFormatPtr(); }
+  std::int32_t BufferBytes() const noexcept { return m_bufferBytes; }
   // [graph thread] Connects the output pin to `input` with the source's type.
   HRESULT ConnectTo(IPin* input);
   // [streaming thread] Delivers `bytes` (at most the buffer size) stamped with the stream times
@@ -36,14 +38,17 @@ class CHostSource {
   class SourceFilter;
   class SourcePin;
   CMediaType m_type;
+  std::int32_t m_bufferBytes;
   ComPtr<IBaseFilter> m_filter;
   SourceFilter* m_impl;  // owned through m_filter
 };
 
 class CHostSink {
  public:
-  // [streaming thread] What the sink does with each sample's bytes.
-  using Consumer = std::function<void(std::span<const std::uint8_t>)>;
+  // [streaming thread] What the sink does with each sample's bytes and stream times (zero when
+  // the sample has none).
+  using Consumer =
+      std::function<void(std::span<const std::uint8_t>, REFERENCE_TIME start, REFERENCE_TIME stop)>;
 
   // Takes any uncompressed audio type.
   explicit CHostSink(Consumer consumer);

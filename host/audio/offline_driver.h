@@ -5,7 +5,6 @@
 // name and renamed there only when complete.
 #pragma once
 
-#include <cstdio>
 #include <filesystem>
 #include <memory>
 #include <optional>

@@ -238,7 +238,9 @@ int RunCommand(const RunOptions& options) {
   portsForNames = &ports;
 
   CHostSource source(driver->Format(), driver->BufferBytes());
-  CHostSink sink([&](std::span<const std::uint8_t> bytes) { driver->Consume(bytes); });
+  CHostSink sink([&](std::span<const std::uint8_t> bytes, REFERENCE_TIME, REFERENCE_TIME) {
+    driver->Consume(bytes);
+  });
   bool streamed = false;
   {
     CLiveRack live(options.rack, rack->settings, &ports, errors.Sink());

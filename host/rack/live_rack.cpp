@@ -100,28 +100,49 @@ bool CLiveRack::Connect(LiveInstance& instance) {
   return true;
 }
 
-bool CLiveRack::ConnectAudio(CHostSource& source, CHostSink& sink) {
-  ComPtr<IPin> upstream(source.Output());
-  for (LiveInstance& instance : m_instances) {
-    ComPtr<IPin> in = FirstPin(instance.filter.Get(), PINDIR_INPUT);
-    const HRESULT hr = in ? upstream->Connect(in.Get(), nullptr) : E_NOINTERFACE;
-    if (FAILED(hr)) {
-      m_errors(Where(instance) + "its input pin refused the audio (" + ResultText(hr) + ")");
-      return false;
-    }
-    m_connected.push_back(upstream);
-    upstream = FirstPin(instance.filter.Get(), PINDIR_OUTPUT);
-    if (!upstream) {
-      m_errors(Where(instance) + "it has no output pin");
-      return false;
-    }
-  }
-  const HRESULT hr = upstream->Connect(sink.Input(), nullptr);
+CLiveRack::Bridge CLiveRack::MakeBridge(const WaveFormat& format, std::int32_t bufferBytes) {
+  Bridge bridge{std::make_unique<CHostSource>(format, bufferBytes), nullptr};
+  CHostSource* next = bridge.source.get();
+  bridge.sink = std::make_unique<CHostSink>(
+      [next](std::span<const std::uint8_t> bytes, REFERENCE_TIME start, REFERENCE_TIME stop) {
+        next->Deliver(bytes, start, stop);
+      });
+  return bridge;
+}
+
+bool CLiveRack::Join(IPin* output, IPin* input, const LiveInstance& instance) {
+  const HRESULT hr = output && input ? output->Connect(input, nullptr) : E_NOINTERFACE;
   if (FAILED(hr)) {
-    m_errors(m_file.string() + ": the last output refused the sink (" + ResultText(hr) + ")");
+    m_errors(Where(instance) + "its audio pins cannot be connected (" + ResultText(hr) + ")");
     return false;
   }
-  m_connected.push_back(upstream);
+  m_connected.push_back(ComPtr<IPin>(output));
+  return true;
+}
+
+bool CLiveRack::ConnectAudio(CHostSource& source, CHostSink& sink) {
+  const WaveFormat format = source.Format();
+  IPin* upstream = source.Output();
+  for (std::size_t i = 0; i < m_instances.size(); ++i) {
+    LiveInstance& instance = m_instances[i];
+    if (!Join(upstream, FirstPin(instance.filter.Get(), PINDIR_INPUT).Get(), instance)) return false;
+    const ComPtr<IPin> output = FirstPin(instance.filter.Get(), PINDIR_OUTPUT);
+    IPin* downstream = sink.Input();
+    if (i + 1 < m_instances.size()) {
+      m_bridges.push_back(MakeBridge(format, source.BufferBytes()));
+      downstream = m_bridges.back().sink->Input();
+      upstream = m_bridges.back().source->Output();
+    }
+    if (!Join(output.Get(), downstream, instance)) return false;
+  }
+  if (m_instances.empty()) {
+    const HRESULT hr = upstream->Connect(sink.Input(), nullptr);
+    if (FAILED(hr)) {
+      m_errors(m_file.string() + ": the audio ends cannot be connected (" + ResultText(hr) + ")");
+      return false;
+    }
+    m_connected.push_back(ComPtr<IPin>(upstream));
+  }
   return true;
 }
 
@@ -140,23 +161,33 @@ void CLiveRack::LoadStates() {
   }
 }
 
+std::vector<IBaseFilter*> CLiveRack::Filters(CHostSource* source, CHostSink* sink) const {
+  std::vector<IBaseFilter*> filters;
+  if (source) filters.push_back(source->Filter());
+  for (std::size_t i = 0; i < m_instances.size(); ++i) {
+    filters.push_back(m_instances[i].filter.Get());
+    if (i < m_bridges.size()) {
+      filters.push_back(m_bridges[i].sink->Filter());
+      filters.push_back(m_bridges[i].source->Filter());
+    }
+  }
+  if (sink) filters.push_back(sink->Filter());
+  return filters;
+}
+
 void CLiveRack::Pause(CHostSource* source, CHostSink* sink) {
   // Downstream first, as a graph changes state.
-  if (sink) sink->Filter()->Pause();
-  for (auto it = m_instances.rbegin(); it != m_instances.rend(); ++it) it->filter->Pause();
-  if (source) source->Filter()->Pause();
+  const auto filters = Filters(source, sink);
+  for (auto it = filters.rbegin(); it != filters.rend(); ++it) (*it)->Pause();
 }
 
 void CLiveRack::Run(CHostSource* source, CHostSink* sink) {
-  if (sink) sink->Filter()->Run(0);
-  for (auto it = m_instances.rbegin(); it != m_instances.rend(); ++it) it->filter->Run(0);
-  if (source) source->Filter()->Run(0);
+  const auto filters = Filters(source, sink);
+  for (auto it = filters.rbegin(); it != filters.rend(); ++it) (*it)->Run(0);
 }
 
 void CLiveRack::Stop(CHostSource* source, CHostSink* sink) {
-  if (source) source->Filter()->Stop();
-  for (LiveInstance& instance : m_instances) instance.filter->Stop();
-  if (sink) sink->Filter()->Stop();
+  for (IBaseFilter* filter : Filters(source, sink)) filter->Stop();
 }
 
 void CLiveRack::Start(std::int32_t tick) {
@@ -198,9 +229,10 @@ bool CLiveRack::Snapshot(std::vector<RackInstance>& entries) {
 }
 
 void CLiveRack::Release() {
-  for (LiveInstance& instance : m_instances) instance.filter->Stop();
+  Stop(nullptr, nullptr);
   for (ComPtr<IPin>& pin : m_connected) DisconnectBothEnds(pin.Get());
   m_connected.clear();
+  m_bridges.clear();
   for (LiveInstance& instance : m_instances) {
     ComPtr<IMfxInputPort> input;
     if (SUCCEEDED(input.QueryFrom(instance.object.Get(), IID_IMfxInputPort)))

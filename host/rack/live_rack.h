@@ -45,7 +45,10 @@ class CLiveRack {
 
   // [host thread] Creates and connects every usable instance of `rack`, in order.
   void Create(const std::vector<RackInstance>& entries);
-  // [graph thread] Chains source -> instances -> sink through their first pins.
+  // [graph thread] Chains source -> instances -> sink through their first pins. Between two
+  // instances the host puts a bridge of its own (a sink handing each sample to a source), as a
+  // host routes audio through its buffers: no instance's pin ever meets another's, so no
+  // instance's lock is taken under another's.
   bool ConnectAudio(CHostSource& source, CHostSink& sink);
   // [host thread] Loads each instance's saved state; a fresh entry keeps its defaults.
   void LoadStates();
@@ -71,7 +74,16 @@ class CLiveRack {
   std::string Where(std::size_t number, const std::string& name) const;
 
  private:
+  struct Bridge {
+    std::unique_ptr<CHostSource> source;
+    std::unique_ptr<CHostSink> sink;
+  };
+
   bool Connect(LiveInstance& instance);
+  Bridge MakeBridge(const WaveFormat& format, std::int32_t bufferBytes);
+  bool Join(IPin* output, IPin* input, const LiveInstance& instance);
+  // The chain's filters from upstream to downstream, bridges included.
+  std::vector<IBaseFilter*> Filters(CHostSource* source, CHostSink* sink) const;
   void Release();
 
   const std::filesystem::path m_file;
@@ -81,6 +93,7 @@ class CLiveRack {
   CSynthCatalog m_catalog;  // before the instances, so that modules outlive them
   std::vector<LiveInstance> m_instances;
   std::vector<ComPtr<IPin>> m_connected;  // output pins joined by ConnectAudio
+  std::vector<Bridge> m_bridges;  // after the pins, so that they are disconnected first
 };
 
 // The failure code of a call in the form users report: "0x80004005".
