@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <sndfile.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <random>
@@ -157,6 +158,21 @@ TEST_F(HostTest, ShippedRackSendsItsListsAndSavesToTheSameBytes) {
   EXPECT_EQ(m_host.Read("saved.json"), text.str());
   ASSERT_EQ(m_host.Run("run saved.json --seconds 0 --save again.json").code, 0);
   EXPECT_EQ(m_host.Read("again.json"), text.str());
+}
+
+TEST_F(HostTest, TempoFromTheCommandLineSetsTheMidiClock) {
+  // Silence is streamed at real time, so a second of it carries 24 clocks per beat.
+  const auto clocks = [&](int bpm) {
+    const HostResult run = m_host.Run(std::string("run '") + TARN_DEMO_RACK +
+                                      "' --seconds 1 --bpm " + std::to_string(bpm));
+    EXPECT_EQ(run.code, 0) << run.err;
+    const Bytes all = BytesAt(run.out, "Virtual Out 2", true);
+    return std::count(all.begin(), all.end(), "F8");
+  };
+  const auto slow = clocks(60);
+  EXPECT_GE(slow, 22);
+  EXPECT_LE(slow, 24);
+  EXPECT_EQ(clocks(120), 2 * slow);
 }
 
 // ---- audio ----
