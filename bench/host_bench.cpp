@@ -105,7 +105,7 @@ void BM_OfflineDriverThroughInstance(benchmark::State& state) {
       live.ConnectAudio(source, sink);
       live.Pause(&source, &sink);
       live.Run(&source, &sink);
-      driver->Stream(source, error);
+      driver->Stream(source, {}, error);
       live.Stop(&source, &sink);
     }
     driver->Finish(error);

@@ -45,6 +45,10 @@ int main(int argc, char** argv) {
   runCmd->add_option("--in", run.input, "WAV file streamed through the instances");
   runCmd->add_option("--out", run.output, "WAV file receiving what comes out");
   runCmd->add_option("--bpm", run.bpm, "Tempo instead of the rack's")->check(CLI::Range(1.0, 1000.0));
+  runCmd->add_option("--start", run.startTick, "Transport start in ticks (480 a quarter)");
+  runCmd->add_option("--loop", run.loopSeconds,
+                     "Loop the transport back to its start after this many seconds of audio")
+      ->check(CLI::Range(0.001, 86400.0));
   runCmd->add_option("--save", run.save, "Save the rack with every instance's state to this file");
   runCmd->add_flag("--quiet", run.quiet, "Do not print the MIDI monitor");
 

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <span>
 #include <string>
 
@@ -17,9 +18,12 @@ class CAudioDriver {
   virtual WaveFormat Format() const = 0;
   // [host thread] Bytes per buffer.
   virtual std::int32_t BufferBytes() const = 0;
-  // [streaming thread] Feeds `source` until the driver's audio ends; false with `error` set
-  // when the stream broke.
-  virtual bool Stream(CHostSource& source, std::string& error) = 0;
+  // [streaming thread] Called after each buffer with the frames streamed so far: where the
+  // host keeps its transport in step with the audio.
+  using Progress = std::function<void(std::int64_t frames)>;
+  // [streaming thread] Feeds `source` until the driver's audio ends, calling `progress` (if
+  // any) after each buffer; false with `error` set when the stream broke.
+  virtual bool Stream(CHostSource& source, const Progress& progress, std::string& error) = 0;
   // [streaming thread] One sample's bytes that reached the sink.
   virtual void Consume(std::span<const std::uint8_t> bytes) = 0;
   // [host thread] After streaming: keeps what was produced; false with `error` set when it

@@ -129,7 +129,7 @@ void COfflineDriver::ShowProgress(std::int64_t total, int& shown) const {
   std::fflush(stderr);
 }
 
-bool COfflineDriver::Stream(CHostSource& source, std::string& error) {
+bool COfflineDriver::Stream(CHostSource& source, const Progress& progress, std::string& error) {
   // Samples are filled as whole frames of floats or shorts, so the buffer is aligned for both.
   std::vector<std::uint8_t> buffer(static_cast<std::size_t>(BufferBytes()));
   const auto begin = std::chrono::steady_clock::now();
@@ -159,6 +159,7 @@ bool COfflineDriver::Stream(CHostSource& source, std::string& error) {
     }
     m_frames += frames;
     if (m_in) ShowProgress(total, shown);
+    if (progress) progress(m_frames);
   }
   source.EndOfStream();
   return true;

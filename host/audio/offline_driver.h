@@ -30,7 +30,7 @@ class COfflineDriver final : public CAudioDriver {
 
   WaveFormat Format() const override { return m_format; }
   std::int32_t BufferBytes() const override;
-  bool Stream(CHostSource& source, std::string& error) override;
+  bool Stream(CHostSource& source, const Progress& progress, std::string& error) override;
   void Consume(std::span<const std::uint8_t> bytes) override;
   bool Finish(std::string& error) override;
 

@@ -2,7 +2,9 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
+#include <cmath>
 #include <cstdio>
 #include <fstream>
 #include <mutex>
@@ -110,6 +112,22 @@ class CInputRouting {
   bool m_closed = false;
   std::vector<std::pair<std::int32_t, std::uint32_t>> m_held;
 };
+
+// With a loop length, the transport jumps back to its start each time the audio has played that
+// long; the tick it jumps from follows the tempo.
+CAudioDriver::Progress LoopingTransport(const RunOptions& options, const RackSettings& settings,
+                                        CLiveRack& live) {
+  if (!options.loopSeconds) return {};
+  const auto loopFrames =
+      std::max<std::int64_t>(1, std::llround(*options.loopSeconds * settings.sampleRate));
+  const auto loopTicks = static_cast<std::int32_t>(std::llround(
+      *options.loopSeconds * settings.beatsPerMinute / 60.0 * HostTiming::kTicksPerQuarter));
+  const std::int32_t start = options.startTick;
+  return [&live, loopFrames, loopTicks, start, loops = std::int64_t{0}](
+             std::int64_t frames) mutable {
+    for (; (loops + 1) * loopFrames <= frames; ++loops) live.Loop(start + loopTicks, start);
+  };
+}
 
 }  // namespace
 
@@ -251,8 +269,8 @@ int RunCommand(const RunOptions& options) {
     routing.Open(live);
     const auto start = std::chrono::steady_clock::now();
     live.Run(&source, &sink);
-    live.Start(0);
-    streamed = driver->Stream(source, error);
+    live.Start(options.startTick);
+    streamed = driver->Stream(source, LoopingTransport(options, rack->settings, live), error);
     if (!streamed) Report(options.rack.string() + ": " + error);
     std::this_thread::sleep_until(start + std::chrono::duration<double>(options.seconds));
     live.StopTransport();

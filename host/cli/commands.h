@@ -35,6 +35,8 @@ struct RunOptions {
   std::optional<std::filesystem::path> input;
   std::optional<std::filesystem::path> output;
   std::optional<double> bpm;
+  std::int32_t startTick = 0;          // where the transport starts
+  std::optional<double> loopSeconds;  // the transport jumps back to the start this often
   std::optional<std::filesystem::path> save;
   bool quiet = false;  // no monitor lines
 };

@@ -194,6 +194,10 @@ void CLiveRack::Start(std::int32_t tick) {
   for (LiveInstance& instance : m_instances) instance.synth->OnStart(tick);
 }
 
+void CLiveRack::Loop(std::int32_t from, std::int32_t to) {
+  for (LiveInstance& instance : m_instances) instance.synth->OnLoop(from, to);
+}
+
 void CLiveRack::StopTransport() {
   for (LiveInstance& instance : m_instances) instance.synth->OnStop(0);
 }

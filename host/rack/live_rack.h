@@ -58,6 +58,7 @@ class CLiveRack {
   void Stop(CHostSource* source, CHostSink* sink);
   // [host thread] Transport to every instance.
   void Start(std::int32_t tick);
+  void Loop(std::int32_t from, std::int32_t to);
   void StopTransport();
 
   // [any thread] Live messages at input `port` to each instance that chose it.

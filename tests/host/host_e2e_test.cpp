@@ -115,6 +115,11 @@ TEST_F(HostTest, StoredEventsReachThePortInOrderWithThePauseHonoured) {
   // The sysex block goes to the port only; the four short messages reach the host's sink too.
   EXPECT_NE(run.out.find("instance 1 \"Lead\": 5 sent, 0 received, 4 handed to the host\n"),
             std::string::npos);
+
+  // The transport's start and loops touch only the timed line, never the stored list.
+  const HostResult looping = m_host.Run("run rack.json --seconds 0.5 --start 960 --loop 0.05");
+  ASSERT_EQ(looping.code, 0) << looping.err;
+  EXPECT_EQ(BytesAt(looping.out, "Virtual Out 1"), SenderBytes("30"));
 }
 
 TEST_F(HostTest, OutputIsWiredBackToTheInputWhereTheListenerForwardsIt) {
