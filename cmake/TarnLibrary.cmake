@@ -1,8 +1,10 @@
 # One library per folder. DEPENDS names the folders whose headers the library includes, each of
 # them the target tarn::<folder>; an include of a folder that is not declared stops the
-# configuration, so an undeclared dependency never builds.
+# configuration, so an undeclared dependency never builds. HEADERS_FROM names folders whose
+# headers alone are used, never their library (a host reads the module's export types but loads
+# the module at run time).
 function(tarn_library folder)
-  cmake_parse_arguments(ARG "" "TYPE" "SOURCES;DEPENDS;LIBRARIES" ${ARGN})
+  cmake_parse_arguments(ARG "" "TYPE" "SOURCES;DEPENDS;HEADERS_FROM;LIBRARIES" ${ARGN})
   if(NOT ARG_TYPE)
     set(ARG_TYPE STATIC)
   endif()
@@ -16,7 +18,7 @@ function(tarn_library folder)
     target_link_libraries(${target} PUBLIC ${ARG_LIBRARIES})
   endif()
   tarn_warnings(${target})
-  tarn_check_includes(${folder} ${ARG_DEPENDS})
+  tarn_check_includes(${folder} ${ARG_DEPENDS} ${ARG_HEADERS_FROM})
 endfunction()
 
 # Stops the configuration when a file of `folder` includes a project folder other than its own

@@ -8,6 +8,7 @@ packages=(
   libgtest-dev libgmock-dev googletest libbenchmark-dev
   clang libclang-rt-14-dev   # libFuzzer targets
   libpugixml-dev             # peer for the XML benchmark only
+  libsndfile1-dev nlohmann-json3-dev libcli11-dev   # tarn-host: audio files, racks, commands
 )
 
 missing=()

@@ -1,4 +1,4 @@
-#include "host/virtual_midi_ports.h"
+#include "host/midi/virtual_midi_ports.h"
 
 #include <algorithm>
 #include <cwchar>

@@ -1,0 +1,57 @@
+// The commands of tarn-host, each a function of its parsed options that prints to standard
+// output, reports faults on standard error as "tarn-host: <file>: <what>", and answers the
+// process's exit code: 0 when everything worked, 1 when something failed.
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+struct RegisterOptions {
+  std::filesystem::path module;  // empty: the module installed beside tarn-host
+  bool unregister = false;
+};
+int RegisterCommand(const RegisterOptions& options);
+
+// The registered soft synths: identifier, name and module, one a line.
+int ListCommand();
+
+// The MIDI back end's ports with their stable identifiers.
+int PortsCommand(int count);
+
+struct NewOptions {
+  std::filesystem::path rack;
+  int count = 2;
+  std::vector<std::string> names;  // display names; when given, one instance each
+  std::string classId;             // empty: Tarn's own class
+};
+// Writes a rack of fresh instances named by `names`, or "Synth 1", "Synth 2", ...
+int NewCommand(const NewOptions& options);
+
+struct RunOptions {
+  std::filesystem::path rack;
+  double seconds = 1.0;
+  std::optional<std::filesystem::path> input;
+  std::optional<std::filesystem::path> output;
+  std::optional<double> bpm;
+  std::int32_t startTick = 0;          // where the transport starts
+  std::optional<double> loopSeconds;  // the transport jumps back to the start this often
+  std::optional<std::filesystem::path> save;
+  bool quiet = false;  // no monitor lines
+};
+// Loads the rack, streams audio and delivers MIDI for the given time, prints every message
+// reaching a port, and saves the rack when asked.
+int RunCommand(const RunOptions& options);
+
+struct ConfigOptions {
+  std::filesystem::path rack;
+  std::string instance;  // a 1-based number or a name
+  std::optional<std::filesystem::path> set;
+};
+// Prints an instance's configuration; with `set`, applies the document in that file and saves
+// the instance's new state into the rack.
+int ConfigCommand(const ConfigOptions& options);
+
+// Where the commands look for the module when none is named.
+std::filesystem::path DefaultModulePath();

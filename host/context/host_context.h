@@ -1,0 +1,83 @@
+// The host's side of one instance: the object handed to Connect. It answers the tempo map, the
+// time converter, the pin observer and the MIDI ports (the back end's, passed through), and it
+// is the sink where the instance hands the host every message it sends.
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <mutex>
+#include <vector>
+
+#include "interfaces/host_interfaces.h"
+#include "interfaces/host_midi_ports.h"
+#include "platform/com_ptr.h"
+
+// Tempo and rate shared by every instance of a run; fixed before the first Connect.
+struct HostTiming {
+  double beatsPerMinute = 120.0;
+  std::int32_t sampleRate = 48000;
+  static constexpr std::int32_t kTicksPerQuarter = 480;
+};
+
+class CHostContext final
+    : public CUnknownImpl<IHostTempoMap, IHostTimeConverter, IHostPinObserver, IHostMidiPorts2,
+                          IHostInputSink> {
+ public:
+  // [host thread] A context with one reference owned by the caller, passing port calls on to
+  // `ports` (which it holds).
+  static ComPtr<CHostContext> Create(const HostTiming& timing, IHostMidiPorts2* ports);
+
+  // --- IHostTempoMap: a constant tempo ---------------------------------------------------------
+  // [host thread or streaming thread] Rounded to the nearest unit.
+  std::int32_t STDMETHODCALLTYPE TicksToMsecs(std::int32_t ticks) override;
+  std::int32_t STDMETHODCALLTYPE MsecsToTicks(std::int32_t msecs) override;
+  std::int32_t STDMETHODCALLTYPE GetTicksPerQuarter() override;
+
+  // --- IHostTimeConverter ----------------------------------------------------------------------
+  // [host thread or streaming thread] Samples to ticks and back at the run's tempo and rate;
+  // E_POINTER for null, E_INVALIDARG for a format other than samples or ticks.
+  HRESULT STDMETHODCALLTYPE ConvertTime(HostTimeValue* time, std::uint32_t format) override;
+
+  // --- IHostPinObserver ------------------------------------------------------------------------
+  // [graph thread or host thread] Every change is allowed; the count is kept.
+  HRESULT STDMETHODCALLTYPE OnPinCountChange(std::int32_t phase, IUnknown* filter,
+                                             std::int32_t count) override;
+
+  // --- IHostMidiPorts2: the back end's ports, unchanged ----------------------------------------
+  std::int32_t STDMETHODCALLTYPE GetInputPortCount() override;
+  HRESULT STDMETHODCALLTYPE Reserved() override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE GetInputPortName(std::int32_t index, wchar_t* name,
+                                             std::uint32_t capacity) override;
+  std::int32_t STDMETHODCALLTYPE GetOutputPortCount() override;
+  HRESULT STDMETHODCALLTYPE GetOutputPortHandle(std::int32_t index,
+                                                MidiPortHandle* handle) override;
+  HRESULT STDMETHODCALLTYPE GetOutputPortName(std::int32_t index, wchar_t* name,
+                                              std::uint32_t capacity) override;
+  HRESULT STDMETHODCALLTYPE SendShortMsg(MidiPortHandle handle, std::uint32_t message) override;
+  HRESULT STDMETHODCALLTYPE SendSysexMsg(MidiPortHandle handle, const std::uint8_t* bytes,
+                                         std::uint32_t length) override;
+  HRESULT STDMETHODCALLTYPE GetInputPortId(std::int32_t index, std::int32_t* id) override;
+  HRESULT STDMETHODCALLTYPE GetOutputPortId(std::int32_t index, std::int32_t* id) override;
+  HRESULT STDMETHODCALLTYPE UseInputPort(std::int32_t id) override;
+  HRESULT STDMETHODCALLTYPE UseOutputPort(std::int32_t id) override;
+
+  // --- IHostInputSink --------------------------------------------------------------------------
+  // [output worker] Records the packed message.
+  HRESULT STDMETHODCALLTYPE OnSinkEvent(IMfxInputPort* sender,
+                                        const HostEventRecord* record) override;
+
+  // [any thread] The packed messages handed to the sink so far, in order.
+  std::vector<std::uint32_t> SinkMessages() const;
+  // [any thread] The output pin count after the last change.
+  std::int32_t PinCount() const noexcept { return m_pinCount.load(); }
+
+ private:
+  CHostContext(const HostTiming& timing, IHostMidiPorts2* ports)
+      : m_timing(timing), m_ports(ports) {}
+
+  const HostTiming m_timing;
+  const ComPtr<IHostMidiPorts2> m_ports;
+  std::atomic<std::int32_t> m_pinCount{1};
+  mutable std::mutex m_sinkMutex;
+  std::vector<std::uint32_t> m_sink;
+};

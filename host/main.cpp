@@ -1,0 +1,75 @@
+// tarn-host: the reference host. It finds soft synths in the class registry, loads their module
+// through its exports, and runs racks of instances on its MIDI and audio back ends.
+#include <CLI/CLI.hpp>
+
+#include "host/cli/commands.h"
+#include "host/plugin/synth_catalog.h"
+#include "platform/codepage.h"
+
+int main(int argc, char** argv) {
+  CLI::App app{"tarn-host: the reference host for the Tarn soft synth"};
+  app.require_subcommand(1);
+  std::string registry;
+  app.add_option("--registry", registry,
+                 "Class registry folder to use instead of the user's own (keeps trials apart)");
+
+  RegisterOptions reg;
+  auto* registerCmd = app.add_subcommand("register", "Register a module's soft synths");
+  registerCmd->add_option("module", reg.module, "The module (default: the one installed beside "
+                                                "tarn-host)");
+  RegisterOptions unreg{{}, true};
+  auto* unregisterCmd = app.add_subcommand("unregister", "Remove a module's soft synths");
+  unregisterCmd->add_option("module", unreg.module, "The module (default: as for register)");
+
+  auto* listCmd = app.add_subcommand("list", "List the registered soft synths");
+
+  int portCount = 2;
+  auto* portsCmd = app.add_subcommand("ports", "List the MIDI ports of the virtual back end");
+  portsCmd->add_option("--count", portCount, "Ports in each direction")
+      ->check(CLI::Range(1, 64));
+
+  NewOptions fresh;
+  auto* newCmd = app.add_subcommand("new", "Write a rack of fresh instances");
+  newCmd->add_option("rack", fresh.rack, "The rack file to write")->required();
+  newCmd->add_option("--count", fresh.count, "Number of instances")->check(CLI::Range(1, 256));
+  newCmd->add_option("--name", fresh.names, "Display name of an instance (repeat for each)");
+  newCmd->add_option("--class", fresh.classId, "Class identifier of the soft synth");
+
+  RunOptions run;
+  auto* runCmd = app.add_subcommand(
+      "run", "Run a rack: load each instance's state, stream audio, print the MIDI traffic");
+  runCmd->add_option("rack", run.rack, "The rack file")->required();
+  runCmd->add_option("--seconds", run.seconds,
+                     "How long the instances run; without --in, seconds of silence streamed")
+      ->check(CLI::Range(0.0, 86400.0));
+  runCmd->add_option("--in", run.input, "WAV file streamed through the instances");
+  runCmd->add_option("--out", run.output, "WAV file receiving what comes out");
+  runCmd->add_option("--bpm", run.bpm, "Tempo instead of the rack's")->check(CLI::Range(1.0, 1000.0));
+  runCmd->add_option("--start", run.startTick, "Transport start in ticks (480 a quarter)");
+  runCmd->add_option("--loop", run.loopSeconds,
+                     "Loop the transport back to its start after this many seconds of audio")
+      ->check(CLI::Range(0.001, 86400.0));
+  runCmd->add_option("--save", run.save, "Save the rack with every instance's state to this file");
+  runCmd->add_flag("--quiet", run.quiet, "Do not print the MIDI monitor");
+
+  ConfigOptions config;
+  auto* configCmd = app.add_subcommand(
+      "config", "Print an instance's configuration, or apply one with --set");
+  configCmd->add_option("rack", config.rack, "The rack file")->required();
+  configCmd->add_option("instance", config.instance, "The instance's number (from 1) or name")
+      ->required();
+  configCmd->add_option("--set", config.set,
+                        "Configuration document to apply; the rack is saved with the result");
+
+  CLI11_PARSE(app, argc, argv);
+  if (!registry.empty()) SetHostRegistryRoot(NarrowToWide(registry));
+
+  if (registerCmd->parsed()) return RegisterCommand(reg);
+  if (unregisterCmd->parsed()) return RegisterCommand(unreg);
+  if (listCmd->parsed()) return ListCommand();
+  if (portsCmd->parsed()) return PortsCommand(portCount);
+  if (newCmd->parsed()) return NewCommand(fresh);
+  if (runCmd->parsed()) return RunCommand(run);
+  if (configCmd->parsed()) return ConfigCommand(config);
+  return 1;
+}

@@ -1,0 +1,47 @@
+// A rack file: the host's settings and the instances in order, each with its class, a display
+// name and its saved state as the exact bytes its Save wrote (hex in the file). JSON:
+//
+//   { "format": "tarn-rack", "version": 1,
+//     "settings": { "sampleRate": 48000, "bufferFrames": 512, "bpm": 120.0, "midiPorts": 2,
+//                   "midi": "virtual", "audio": "offline" },
+//     "instances": [ { "name": "Synth A", "class": "{D8DF3849-...}", "state": "3000..." } ] }
+//
+// Saving writes a temporary file beside the rack and renames it over the rack only when it is
+// complete, so a failed save leaves the old file as it was.
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+struct RackSettings {
+  std::int32_t sampleRate = 48000;
+  std::int32_t bufferFrames = 512;
+  double beatsPerMinute = 120.0;
+  std::int32_t midiPorts = 2;
+  std::string midi = "virtual";  // the MIDI back end
+  std::string audio = "offline"; // the audio back end
+};
+
+struct RackInstance {
+  std::string name;
+  std::string classId;              // "{XXXXXXXX-...}" as written
+  std::vector<std::uint8_t> state;  // empty for a fresh instance
+  std::string problem;              // why the entry cannot be used; empty when it can
+};
+
+struct Rack {
+  RackSettings settings;
+  std::vector<RackInstance> instances;
+};
+
+// [host thread] The rack in `path`; nothing with `error` naming the file and the fault when the
+// file cannot be read or is not a rack. An instance entry with a fault of its own is kept with
+// its `problem` set, so that the others still load.
+std::optional<Rack> LoadRackFile(const std::filesystem::path& path, std::string& error);
+
+// [host thread] Writes `rack` to `path` through a temporary file and a rename; false with
+// `error` naming the file when it cannot, and then `path` is untouched.
+bool SaveRackFile(const std::filesystem::path& path, const Rack& rack, std::string& error);

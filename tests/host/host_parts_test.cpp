@@ -1,0 +1,132 @@
+// The host's own parts apart from a run: the context's tempo and time conversion, the sink
+// record, and rack files read back as written or refused with the reason.
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+
+#include "host/context/host_context.h"
+#include "host/midi/virtual_midi_ports.h"
+#include "host/rack/rack_file.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+struct CNoListener final : CMidiPortListener {
+  void OnPortSend(std::int32_t, std::span<const std::uint8_t>) override {}
+};
+
+class HostContextTest : public ::testing::Test {
+ protected:
+  CNoListener m_listener;
+  CVirtualMidiPorts m_ports{2, m_listener};
+  ComPtr<CHostContext> m_context = CHostContext::Create({120.0, 48000}, &m_ports);
+};
+
+TEST_F(HostContextTest, TempoMapAndConverterAgreeAtTheRunsTempoAndRate) {
+  EXPECT_EQ(m_context->GetTicksPerQuarter(), 480);
+  EXPECT_EQ(m_context->TicksToMsecs(480), 500);  // a quarter at 120 bpm
+  EXPECT_EQ(m_context->MsecsToTicks(1000), 960);
+  EXPECT_EQ(m_context->TicksToMsecs(-480), -500);
+
+  HostTimeValue time{HostTimeValue::kSamples, 0, 48000};
+  ASSERT_EQ(m_context->ConvertTime(&time, HostTimeValue::kTicks), S_OK);
+  EXPECT_EQ(time.format, HostTimeValue::kTicks);
+  EXPECT_EQ(time.value, 960);
+  ASSERT_EQ(m_context->ConvertTime(&time, HostTimeValue::kSamples), S_OK);
+  EXPECT_EQ(time.value, 48000);
+
+  EXPECT_EQ(m_context->ConvertTime(&time, 7), E_INVALIDARG);
+  EXPECT_EQ(m_context->ConvertTime(nullptr, HostTimeValue::kTicks), E_POINTER);
+}
+
+TEST_F(HostContextTest, AnswersEveryHostInterfaceAndPassesPortsThrough) {
+  for (const IID& iid : {IID_IHostTempoMap, IID_IHostTimeConverter, IID_IHostPinObserver,
+                         IID_IHostMidiPorts, IID_IHostMidiPorts2}) {
+    ComPtr<IUnknown> face;
+    EXPECT_EQ(m_context->QueryInterface(iid, reinterpret_cast<void**>(face.Receive())), S_OK);
+  }
+  wchar_t name[kPortNameCapacity];
+  ASSERT_EQ(m_context->GetOutputPortName(1, name, kPortNameCapacity), S_OK);
+  EXPECT_STREQ(name, L"Virtual Out 2");
+  std::int32_t id = 0;
+  EXPECT_EQ(m_context->GetInputPortId(0, &id), S_OK);
+  EXPECT_EQ(id, 1000);
+
+  HostEventRecord record{};
+  record.SetMessage(0x00643AB0);
+  EXPECT_EQ(m_context->OnSinkEvent(nullptr, &record), S_OK);
+  EXPECT_EQ(m_context->SinkMessages(), std::vector<std::uint32_t>{0x00643AB0});
+}
+
+class RackFileTest : public ::testing::Test {
+ protected:
+  RackFileTest() {
+    std::string pattern = (fs::temp_directory_path() / "tarn-rack-XXXXXX").string();
+    if (mkdtemp(pattern.data())) m_folder = pattern;
+  }
+  ~RackFileTest() override { fs::remove_all(m_folder); }
+  fs::path Write(const std::string& text) {
+    std::ofstream(m_folder / "rack.json") << text;
+    return m_folder / "rack.json";
+  }
+  fs::path m_folder;
+};
+
+TEST_F(RackFileTest, SavedRackReadsBackWithEverySettingAndStateByte) {
+  Rack rack;
+  rack.settings = {44100, 256, 98.5, 4, "virtual", "offline"};
+  std::vector<std::uint8_t> bytes(256);
+  for (std::size_t i = 0; i < bytes.size(); ++i) bytes[i] = static_cast<std::uint8_t>(i);
+  rack.instances = {{"Lead \"one\"", "{D8DF3849-A01D-4254-A57D-5515BF9E3886}", bytes, {}},
+                    {"Empty", "{D8DF3849-A01D-4254-A57D-5515BF9E3886}", {}, {}}};
+  std::string error;
+  ASSERT_TRUE(SaveRackFile(m_folder / "rack.json", rack, error)) << error;
+  const auto loaded = LoadRackFile(m_folder / "rack.json", error);
+  ASSERT_TRUE(loaded) << error;
+  EXPECT_EQ(loaded->settings.sampleRate, 44100);
+  EXPECT_EQ(loaded->settings.bufferFrames, 256);
+  EXPECT_EQ(loaded->settings.beatsPerMinute, 98.5);
+  EXPECT_EQ(loaded->settings.midiPorts, 4);
+  ASSERT_EQ(loaded->instances.size(), 2u);
+  EXPECT_EQ(loaded->instances[0].name, "Lead \"one\"");
+  EXPECT_EQ(loaded->instances[0].state, bytes);
+  EXPECT_TRUE(loaded->instances[1].state.empty());
+  EXPECT_FALSE(fs::exists(m_folder / "rack.json.saving"));
+}
+
+TEST_F(RackFileTest, SettingsOutOfRangeOrOfTheWrongTypeRefuseTheFile) {
+  const std::string head = R"({"format":"tarn-rack","version":1,"instances":[],"settings":)";
+  const std::pair<const char*, const char*> cases[] = {
+      {R"({"sampleRate":100})", "\"sampleRate\" must lie between 8000 and 384000"},
+      {R"({"bufferFrames":0})", "\"bufferFrames\" must lie between 16 and 65536"},
+      {R"({"bpm":0})", "\"bpm\" must lie between 1 and 1000"},
+      {R"({"midiPorts":1000})", "\"midiPorts\" must lie between 1 and 64"},
+      {R"({"bpm":"fast"})", "type must be number"},
+  };
+  for (const auto& [settings, why] : cases) {
+    std::string error;
+    EXPECT_FALSE(LoadRackFile(Write(head + settings + "}"), error));
+    EXPECT_NE(error.find(why), std::string::npos) << error;
+    EXPECT_EQ(error.rfind("rack file " + (m_folder / "rack.json").string() + " is not valid: ", 0),
+              0u);
+  }
+}
+
+TEST_F(RackFileTest, AFaultyEntryIsMarkedAndTheOthersKept) {
+  std::string error;
+  const auto rack = LoadRackFile(Write(R"({"format":"tarn-rack","version":1,"instances":[
+      7, {"name":"NoClass"}, {"class":"{X}","state":"abc"}, {"class":"{X}","state":"0aFF"}]})"),
+                                 error);
+  ASSERT_TRUE(rack) << error;
+  ASSERT_EQ(rack->instances.size(), 4u);
+  EXPECT_EQ(rack->instances[0].problem, "the entry is not an object");
+  EXPECT_EQ(rack->instances[1].problem, "the entry has no \"class\"");
+  EXPECT_EQ(rack->instances[2].problem, "its \"state\" is not hex text");
+  EXPECT_EQ(rack->instances[3].problem, "");
+  EXPECT_EQ(rack->instances[3].state, (std::vector<std::uint8_t>{0x0A, 0xFF}));
+}
+
+}  // namespace

@@ -1,0 +1,82 @@
+#include "tests/host/host_runner.h"
+
+#include <sys/wait.h>
+
+#include <cctype>
+#include <cstdlib>
+#include <fstream>
+#include <sstream>
+
+namespace fs = std::filesystem;
+
+HostRunner::HostRunner() {
+  std::string pattern = (fs::temp_directory_path() / "tarn-host-e2e-XXXXXX").string();
+  if (!mkdtemp(pattern.data())) throw std::runtime_error("no temporary folder");
+  m_folder = pattern;
+  fs::copy_file(TARN_MODULE_FILE, m_folder / "libtarn.so");
+  const HostResult registered = Run("register libtarn.so");
+  if (registered.code != 0) throw std::runtime_error("register failed: " + registered.err);
+}
+
+HostRunner::~HostRunner() {
+  std::error_code ignored;
+  fs::remove_all(m_folder, ignored);
+}
+
+HostResult HostRunner::Run(const std::string& arguments) const {
+  const std::string command = "cd '" + m_folder.string() + "' && '" TARN_HOST_FILE
+                              "' --registry registry " + arguments + " >stdout.txt 2>stderr.txt";
+  const int status = std::system(command.c_str());
+  const int code = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+  return {code, Read("stdout.txt"), Read("stderr.txt")};
+}
+
+void HostRunner::Write(const std::string& name, const std::string& text) const {
+  std::ofstream(m_folder / name, std::ios::binary) << text;
+}
+
+std::string HostRunner::Read(const std::string& name) const {
+  std::ifstream file(m_folder / name, std::ios::binary);
+  std::ostringstream text;
+  text << file.rdbuf();
+  return text.str();
+}
+
+namespace {
+
+// "B0 07 64": pairs of upper-case hex digits with single blanks between.
+bool IsHexBytes(const std::string& text) {
+  if (text.size() % 3 != 2) return false;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const char c = text[i];
+    const bool ok = i % 3 == 2 ? c == ' ' : (std::isdigit(static_cast<unsigned char>(c)) ||
+                                             (c >= 'A' && c <= 'F'));
+    if (!ok) return false;
+  }
+  return true;
+}
+
+}  // namespace
+
+std::vector<MonitorEntry> Monitor(const std::string& out) {
+  std::vector<MonitorEntry> entries;
+  std::istringstream lines(out);
+  for (std::string text; std::getline(lines, text);) {
+    const std::size_t unit = text.find(" ms  ");
+    const std::size_t gap = text.rfind("  ");
+    if (unit == std::string::npos || gap == std::string::npos || gap <= unit + 4) continue;
+    const std::string bytes = text.substr(gap + 2);
+    if (!IsHexBytes(bytes)) continue;
+    entries.push_back({std::stod(text.substr(0, unit)), text.substr(unit + 5, gap - unit - 5),
+                       bytes});
+  }
+  return entries;
+}
+
+std::vector<std::string> BytesAt(const std::string& out, const std::string& port,
+                                 bool withClock) {
+  std::vector<std::string> bytes;
+  for (const MonitorEntry& entry : Monitor(out))
+    if (entry.port == port && (withClock || entry.bytes != "F8")) bytes.push_back(entry.bytes);
+  return bytes;
+}
