@@ -61,6 +61,15 @@ int main(int argc, char** argv) {
   configCmd->add_option("--set", config.set,
                         "Configuration document to apply; the rack is saved with the result");
 
+  ParamsOptions params;
+  auto* paramsCmd = app.add_subcommand(
+      "params", "List the parameters of a rack's instances with their values, or set them");
+  paramsCmd->add_option("rack", params.rack, "The rack file")->required();
+  paramsCmd->add_option("instance", params.instance,
+                        "The instance's number (from 1) or name (default: every instance)");
+  paramsCmd->add_option("--set", params.sets,
+                        "INDEX=VALUE to set before listing (repeat for each; not saved)");
+
   CLI11_PARSE(app, argc, argv);
   if (!registry.empty()) SetHostRegistryRoot(NarrowToWide(registry));
 
@@ -71,5 +80,6 @@ int main(int argc, char** argv) {
   if (newCmd->parsed()) return NewCommand(fresh);
   if (runCmd->parsed()) return RunCommand(run);
   if (configCmd->parsed()) return ConfigCommand(config);
+  if (paramsCmd->parsed()) return ParamsCommand(params);
   return 1;
 }

@@ -3,10 +3,13 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <charconv>
 #include <chrono>
 #include <cmath>
 #include <cstdio>
+#include <cstdlib>
 #include <fstream>
+#include <iterator>
 #include <mutex>
 #include <sstream>
 #include <thread>
@@ -66,6 +69,78 @@ void PrintSummary(CLiveRack& live) {
                 instance.number, instance.entry.name.c_str(), sent, received,
                 instance.context->SinkMessages().size());
   }
+}
+
+// The value each enveloped parameter ended with: what automation did is otherwise unseen, as
+// nothing in the instance reads "Enabled".
+void PrintEnvelopeEnds(CLiveRack& live) {
+  for (LiveInstance& instance : live.Instances()) {
+    if (!instance.params) continue;
+    for (const RackEnvelope& envelope : instance.entry.envelopes) {
+      MP_DATA value = 0;
+      if (FAILED(instance.params->GetParam(envelope.param, &value))) continue;
+      std::printf("instance %zu \"%s\": parameter %u ended at %g\n", instance.number,
+                  instance.entry.name.c_str(), envelope.param, static_cast<double>(value));
+    }
+  }
+}
+
+std::string ParamString(const ParamChar* text, std::size_t capacity) {
+  std::wstring wide;
+  for (std::size_t i = 0; i < capacity && text[i]; ++i) wide += static_cast<wchar_t>(text[i]);
+  return WideToNarrow(wide);
+}
+
+const char* TypeName(std::uint32_t type) {
+  switch (type) {
+    case MPT_INT: return "int";
+    case MPT_FLOAT: return "float";
+    case MPT_BOOL: return "bool";
+    case MPT_ENUM: return "enum";
+    default: return "?";
+  }
+}
+
+// "INDEX=VALUE"; false when the text is not that.
+bool ParseSetting(const std::string& text, std::uint32_t& index, MP_DATA& value) {
+  const auto equals = text.find('=');
+  if (equals == std::string::npos) return false;
+  const char* end = text.data() + equals;
+  const auto [indexEnd, indexError] = std::from_chars(text.data(), end, index);
+  if (indexError != std::errc() || indexEnd != end || equals == 0) return false;
+  const std::string number = text.substr(equals + 1);
+  char* numberEnd = nullptr;
+  value = std::strtof(number.c_str(), &numberEnd);
+  return !number.empty() && *numberEnd == '\0' && std::isfinite(value);
+}
+
+// One instance's parameters, one a line; false when they cannot be read (reported).
+bool PrintParams(CLiveRack& live, LiveInstance& instance) {
+  std::printf("instance %zu \"%s\":\n", instance.number, instance.entry.name.c_str());
+  std::uint32_t count = 0;
+  HRESULT hr = instance.paramInfo ? instance.paramInfo->GetParamCount(&count) : S_OK;
+  if (FAILED(hr)) {
+    Report(live.Where(instance) + "its parameters cannot be counted (" + ResultText(hr) + ")");
+    return false;
+  }
+  if (count == 0 || !instance.params) std::printf("  no parameters\n");
+  for (std::uint32_t i = 0; i < count && instance.params; ++i) {
+    MP_PARAMINFO info{};
+    MP_DATA value = 0;
+    hr = instance.paramInfo->GetParamInfo(i, &info);
+    if (SUCCEEDED(hr)) hr = instance.params->GetParam(i, &value);
+    if (FAILED(hr)) {
+      Report(live.Where(instance) + "parameter " + std::to_string(i) + " cannot be read (" +
+             ResultText(hr) + ")");
+      return false;
+    }
+    std::printf("  %u  %s  %s  unit \"%s\"  range %g..%g  default %g  value %g\n", i,
+                ParamString(info.szLabel, std::size(info.szLabel)).c_str(), TypeName(info.mpType),
+                ParamString(info.szUnitText, std::size(info.szUnitText)).c_str(),
+                static_cast<double>(info.mpdMinValue), static_cast<double>(info.mpdMaxValue),
+                static_cast<double>(info.mpdNeutralValue), static_cast<double>(value));
+  }
+  return true;
 }
 
 bool SaveRack(const std::filesystem::path& path, Rack rack, CLiveRack& live) {
@@ -205,7 +280,7 @@ int NewCommand(const NewOptions& options) {
   for (std::size_t i = 0; i < count; ++i)
     rack.instances.push_back(
         {options.names.empty() ? "Synth " + std::to_string(i + 1) : options.names[i],
-         WideToNarrow(GuidToString(clsid)), {}, {}});
+         WideToNarrow(GuidToString(clsid)), {}, {}, {}, {}});
   CErrors errors;
   struct : CMidiPortListener {
     void OnPortSend(std::int32_t, std::span<const std::uint8_t>) override {}
@@ -266,6 +341,7 @@ int RunCommand(const RunOptions& options) {
     if (!live.ConnectAudio(source, sink)) return 1;
     live.Pause(&source, &sink);
     live.LoadStates();  // after Pause, so that the workers send what the states hold
+    live.AddEnvelopes();  // after the states, before the first sample
     routing.Open(live);
     const auto start = std::chrono::steady_clock::now();
     live.Run(&source, &sink);
@@ -279,6 +355,7 @@ int RunCommand(const RunOptions& options) {
     routing.Close();
     std::fflush(stdout);
     PrintSummary(live);
+    PrintEnvelopeEnds(live);
     if (options.save && SaveRack(*options.save, *rack, live))
       std::printf("saved %s\n", options.save->c_str());
     else if (options.save)
@@ -338,5 +415,55 @@ int ConfigCommand(const ConfigOptions& options) {
   }
   text.resize(std::wcslen(text.c_str()));
   std::printf("%s\n", WideToNarrow(text).c_str());
+  return errors.count ? 1 : 0;
+}
+
+int ParamsCommand(const ParamsOptions& options) {
+  struct Setting {
+    std::uint32_t index;
+    MP_DATA value;
+    std::string text;
+  };
+  std::vector<Setting> settings;
+  for (const std::string& text : options.sets) {
+    std::uint32_t index = 0;
+    MP_DATA value = 0;
+    if (!ParseSetting(text, index, value)) {
+      Report("\"" + text + "\" is not INDEX=VALUE (a parameter index and a number)");
+      return 1;
+    }
+    settings.push_back({index, value, text});
+  }
+  auto rack = LoadRack(options.rack);
+  if (!rack) return 1;
+  CErrors errors;
+  struct : CMidiPortListener {
+    void OnPortSend(std::int32_t, std::span<const std::uint8_t>) override {}
+  } nobody;
+  CVirtualMidiPorts ports(rack->settings.midiPorts, nobody);
+  CLiveRack live(options.rack, rack->settings, &ports, errors.Sink());
+  live.Create(rack->instances);
+  live.LoadStates();  // no worker runs, so nothing is sent
+  std::vector<LiveInstance*> chosen;
+  if (options.instance.empty()) {
+    for (LiveInstance& instance : live.Instances()) chosen.push_back(&instance);
+  } else if (LiveInstance* instance = FindInstance(live, options.instance)) {
+    chosen.push_back(instance);
+  } else {
+    Report(options.rack.string() + ": no usable instance \"" + options.instance + "\"");
+    return 1;
+  }
+  for (LiveInstance* instance : chosen) {
+    for (const Setting& setting : settings) {
+      const HRESULT hr = instance->params ? instance->params->SetParam(setting.index, setting.value)
+                                          : E_NOINTERFACE;
+      if (FAILED(hr)) {
+        ++errors.count;
+        Report(live.Where(*instance) + "the instance refused " + setting.text + " (" +
+               ResultText(hr) + ")");
+      }
+    }
+    if (!PrintParams(live, *instance)) ++errors.count;
+  }
   return errors.count ? 1 : 0;
 }

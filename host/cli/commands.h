@@ -40,8 +40,9 @@ struct RunOptions {
   std::optional<std::filesystem::path> save;
   bool quiet = false;  // no monitor lines
 };
-// Loads the rack, streams audio and delivers MIDI for the given time, prints every message
-// reaching a port, and saves the rack when asked.
+// Loads the rack, adds its envelopes, streams audio and delivers MIDI for the given time, prints
+// every message reaching a port and, for each enveloped parameter, the value it ended with, and
+// saves the rack when asked.
 int RunCommand(const RunOptions& options);
 
 struct ConfigOptions {
@@ -52,6 +53,16 @@ struct ConfigOptions {
 // Prints an instance's configuration; with `set`, applies the document in that file and saves
 // the instance's new state into the rack.
 int ConfigCommand(const ConfigOptions& options);
+
+struct ParamsOptions {
+  std::filesystem::path rack;
+  std::string instance;           // a 1-based number or a name; empty: every instance
+  std::vector<std::string> sets;  // "INDEX=VALUE", applied in order before printing
+};
+// Prints each instance's parameters, one a line: index, name, type, unit, range, default and
+// current value; with `sets`, sets those values first (they are not saved: a parameter's value
+// is no part of an instance's state).
+int ParamsCommand(const ParamsOptions& options);
 
 // Where the commands look for the module when none is named.
 std::filesystem::path DefaultModulePath();

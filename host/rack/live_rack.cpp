@@ -56,7 +56,7 @@ std::string CLiveRack::Where(const LiveInstance& instance) const {
 
 void CLiveRack::Create(const std::vector<RackInstance>& entries) {
   for (std::size_t i = 0; i < entries.size(); ++i) {
-    LiveInstance instance{entries[i], i + 1, {}, {}, {}, {}, {}, {}, {}};
+    LiveInstance instance{entries[i], i + 1, {}, {}, {}, {}, {}, {}, {}, {}, {}};
     if (!entries[i].problem.empty()) {
       m_errors(Where(instance) + entries[i].problem);
       continue;
@@ -86,6 +86,8 @@ bool CLiveRack::Connect(LiveInstance& instance) {
   }
   instance.myFilter.QueryFrom(object, IID_IMyFilter);
   instance.proxy.QueryFrom(object, IID_IExternalDeviceProxy3);
+  instance.params.QueryFrom(object, IID_IMediaParams);
+  instance.paramInfo.QueryFrom(object, IID_IMediaParamInfo);
   instance.context = CHostContext::Create(m_timing, m_ports.Get());
   // Connect releases one reference of what it is lent, so it is lent one of its own.
   instance.context->AddRef();
@@ -158,6 +160,25 @@ void CLiveRack::LoadStates() {
     instance.stateLoaded = SUCCEEDED(hr);
     if (!instance.stateLoaded)
       m_errors(Where(instance) + "the instance refused its saved state (" + ResultText(hr) + ")");
+  }
+}
+
+void CLiveRack::AddEnvelopes() {
+  for (LiveInstance& instance : m_instances) {
+    if (instance.entry.envelopes.empty()) continue;
+    if (!instance.params) {
+      m_errors(Where(instance) + "the instance has envelopes but no parameters to automate");
+      continue;
+    }
+    for (const RackEnvelope& envelope : instance.entry.envelopes) {
+      if (envelope.segments.empty()) continue;  // nothing to add, and no array to lend
+      const HRESULT hr = instance.params->AddEnvelope(
+          envelope.param, static_cast<std::uint32_t>(envelope.segments.size()),
+          envelope.segments.data());
+      if (FAILED(hr))
+        m_errors(Where(instance) + "the instance refused the envelope for parameter " +
+                 std::to_string(envelope.param) + " (" + ResultText(hr) + ")");
+    }
   }
 }
 

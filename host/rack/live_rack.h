@@ -14,6 +14,7 @@
 #include "host/context/host_context.h"
 #include "host/plugin/synth_catalog.h"
 #include "host/rack/rack_file.h"
+#include "interfaces/media_params.h"
 #include "interfaces/mfx_interfaces.h"
 #include "interfaces/my_filter.h"
 #include "interfaces/ole_interfaces.h"
@@ -28,6 +29,8 @@ struct LiveInstance {
   ComPtr<IMyFilter> myFilter;
   ComPtr<IExternalDeviceProxy3> proxy;
   ComPtr<CHostContext> context;
+  ComPtr<IMediaParams> params;  // null when the instance offers no parameters
+  ComPtr<IMediaParamInfo> paramInfo;
   bool stateLoaded = false;  // false keeps the rack's bytes on saving
 };
 
@@ -52,6 +55,9 @@ class CLiveRack {
   bool ConnectAudio(CHostSource& source, CHostSink& sink);
   // [host thread] Loads each instance's saved state; a fresh entry keeps its defaults.
   void LoadStates();
+  // [host thread] Adds each instance's envelopes from the rack, after its state is loaded and
+  // before the graph runs, so that they apply from the stream's first sample.
+  void AddEnvelopes();
   // [graph thread] Pause from stopped starts each instance's worker; Run; Stop.
   void Pause(CHostSource* source, CHostSink* sink);
   void Run(CHostSource* source, CHostSink* sink);

@@ -1,6 +1,8 @@
 #include "host/rack/rack_file.h"
 
+#include <algorithm>
 #include <fstream>
+#include <iterator>
 #include <nlohmann/json.hpp>
 #include <sstream>
 
@@ -66,6 +68,69 @@ RackSettings ReadSettings(const Json& json) {
   return settings;
 }
 
+struct CurveName {
+  const char* name;
+  std::uint32_t curve;
+};
+constexpr CurveName kCurves[] = {{"jump", MP_CURVE_JUMP},
+                                 {"linear", MP_CURVE_LINEAR},
+                                 {"square", MP_CURVE_SQUARE},
+                                 {"inverse-square", MP_CURVE_INVSQUARE},
+                                 {"sine", MP_CURVE_SINE}};
+
+// One segment, which `where` names; throws with the place and the fault.
+MP_ENVELOPE_SEGMENT ReadSegment(const Json& json, const std::string& where) {
+  if (!json.is_object()) throw std::runtime_error(where + " is not an object");
+  MP_ENVELOPE_SEGMENT segment{};
+  for (const char* name : {"start", "end"})
+    if (!json.contains(name) || !json.at(name).is_number_integer())
+      throw std::runtime_error(where + " needs \"" + name + "\" as a whole number of 100 ns");
+  for (const char* name : {"from", "to"})
+    if (!json.contains(name) || !json.at(name).is_number())
+      throw std::runtime_error(where + " needs \"" + name + "\" as a number");
+  segment.rtStart = json.at("start").get<std::int64_t>();
+  segment.rtEnd = json.at("end").get<std::int64_t>();
+  if (segment.rtStart < 0 || segment.rtEnd < segment.rtStart)
+    throw std::runtime_error(where + " must start at 0 or later and end no earlier than it starts");
+  segment.valStart = json.at("from").get<float>();
+  segment.valEnd = json.at("to").get<float>();
+  segment.iCurve = MP_CURVE_LINEAR;
+  if (json.contains("curve")) {
+    const Json& curve = json.at("curve");
+    const std::string name = curve.is_string() ? curve.get<std::string>() : curve.dump();
+    const auto* known = std::find_if(std::begin(kCurves), std::end(kCurves),
+                                     [&](const CurveName& c) { return name == c.name; });
+    if (!curve.is_string() || known == std::end(kCurves))
+      throw std::runtime_error(where + " has an unknown curve " + name +
+                               " (jump, linear, square, inverse-square or sine)");
+    segment.iCurve = known->curve;
+  }
+  return segment;
+}
+
+std::vector<RackEnvelope> ReadEnvelopes(const Json& json) {
+  if (!json.is_array()) throw std::runtime_error("its \"envelopes\" is not a list");
+  std::vector<RackEnvelope> envelopes;
+  for (std::size_t e = 0; e < json.size(); ++e) {
+    const std::string where = "envelope " + std::to_string(e + 1);
+    const Json& entry = json.at(e);
+    if (!entry.is_object()) throw std::runtime_error(where + " is not an object");
+    if (!entry.contains("param") || !entry.at("param").is_number_unsigned() ||
+        entry.at("param").get<std::uint64_t>() > 0xFFFFFFFFu)
+      throw std::runtime_error(where + " needs \"param\", a parameter index");
+    if (!entry.contains("segments") || !entry.at("segments").is_array())
+      throw std::runtime_error(where + " needs a \"segments\" list");
+    RackEnvelope envelope;
+    envelope.param = entry.at("param").get<std::uint32_t>();
+    const Json& segments = entry.at("segments");
+    for (std::size_t s = 0; s < segments.size(); ++s)
+      envelope.segments.push_back(
+          ReadSegment(segments.at(s), where + " segment " + std::to_string(s + 1)));
+    envelopes.push_back(std::move(envelope));
+  }
+  return envelopes;
+}
+
 RackInstance ReadInstance(const Json& entry) {
   RackInstance instance;
   if (!entry.is_object()) {
@@ -87,6 +152,14 @@ RackInstance ReadInstance(const Json& entry) {
       return instance;
     }
     instance.state = std::move(*bytes);
+  }
+  if (entry.contains("envelopes")) {
+    instance.envelopesText = entry.at("envelopes").dump();
+    try {
+      instance.envelopes = ReadEnvelopes(entry.at("envelopes"));
+    } catch (const std::exception& e) {
+      instance.problem = std::string("its envelopes are not valid: ") + e.what();
+    }
   }
   return instance;
 }
@@ -125,9 +198,12 @@ bool SaveRackFile(const std::filesystem::path& path, const Rack& rack, std::stri
                       {"bpm", s.beatsPerMinute},    {"midiPorts", s.midiPorts},
                       {"midi", s.midi},             {"audio", s.audio}};
   json["instances"] = Json::array();
-  for (const RackInstance& instance : rack.instances)
-    json["instances"].push_back(
-        {{"name", instance.name}, {"class", instance.classId}, {"state", ToHex(instance.state)}});
+  for (const RackInstance& instance : rack.instances) {
+    Json entry = {
+        {"name", instance.name}, {"class", instance.classId}, {"state", ToHex(instance.state)}};
+    if (!instance.envelopesText.empty()) entry["envelopes"] = Json::parse(instance.envelopesText);
+    json["instances"].push_back(std::move(entry));
+  }
   const std::string text = json.dump(2) + "\n";
 
   std::filesystem::path temporary = path;

@@ -4,7 +4,13 @@
 //   { "format": "tarn-rack", "version": 1,
 //     "settings": { "sampleRate": 48000, "bufferFrames": 512, "bpm": 120.0, "midiPorts": 2,
 //                   "midi": "virtual", "audio": "offline" },
-//     "instances": [ { "name": "Synth A", "class": "{D8DF3849-...}", "state": "3000..." } ] }
+//     "instances": [ { "name": "Synth A", "class": "{D8DF3849-...}", "state": "3000...",
+//                      "envelopes": [ { "param": 0, "segments": [ { "start": 0, "end": 5000000,
+//                          "from": 1.0, "to": 0.0, "curve": "linear" } ] } ] } ] }
+//
+// Envelope times are media time in units of 100 ns from the start of the stream; the curve is
+// "jump", "linear", "square", "inverse-square" or "sine" ("linear" when left out). The host adds
+// an instance's envelopes before it runs; saving writes them back as the file had them.
 //
 // Saving writes a temporary file beside the rack and renames it over the rack only when it is
 // complete, so a failed save leaves the old file as it was.
@@ -16,6 +22,8 @@
 #include <string>
 #include <vector>
 
+#include "interfaces/media_params.h"
+
 struct RackSettings {
   std::int32_t sampleRate = 48000;
   std::int32_t bufferFrames = 512;
@@ -25,11 +33,18 @@ struct RackSettings {
   std::string audio = "offline"; // the audio back end
 };
 
+struct RackEnvelope {
+  std::uint32_t param = 0;
+  std::vector<MP_ENVELOPE_SEGMENT> segments;
+};
+
 struct RackInstance {
   std::string name;
   std::string classId;              // "{XXXXXXXX-...}" as written
   std::vector<std::uint8_t> state;  // empty for a fresh instance
   std::string problem;              // why the entry cannot be used; empty when it can
+  std::vector<RackEnvelope> envelopes;
+  std::string envelopesText;  // the "envelopes" field as JSON text, written back on saving
 };
 
 struct Rack {

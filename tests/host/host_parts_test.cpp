@@ -80,8 +80,8 @@ TEST_F(RackFileTest, SavedRackReadsBackWithEverySettingAndStateByte) {
   rack.settings = {44100, 256, 98.5, 4, "virtual", "offline"};
   std::vector<std::uint8_t> bytes(256);
   for (std::size_t i = 0; i < bytes.size(); ++i) bytes[i] = static_cast<std::uint8_t>(i);
-  rack.instances = {{"Lead \"one\"", "{D8DF3849-A01D-4254-A57D-5515BF9E3886}", bytes, {}},
-                    {"Empty", "{D8DF3849-A01D-4254-A57D-5515BF9E3886}", {}, {}}};
+  rack.instances = {{"Lead \"one\"", "{D8DF3849-A01D-4254-A57D-5515BF9E3886}", bytes, {}, {}, {}},
+                    {"Empty", "{D8DF3849-A01D-4254-A57D-5515BF9E3886}", {}, {}, {}, {}}};
   std::string error;
   ASSERT_TRUE(SaveRackFile(m_folder / "rack.json", rack, error)) << error;
   const auto loaded = LoadRackFile(m_folder / "rack.json", error);
