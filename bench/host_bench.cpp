@@ -56,7 +56,7 @@ void Chain(benchmark::State& state, bool withInstance) {
     benchmark::DoNotOptimize(bytes.data());
   });
   CLiveRack live("bench", RackSettings{}, &ports, [](const std::string&) {});
-  if (withInstance) live.Create({{"A", kClass, {}, {}}});
+  if (withInstance) live.Create({{"A", kClass, {}, {}, {}, {}}});
   live.ConnectAudio(source, sink);
   live.Pause(&source, &sink);
   live.Run(&source, &sink);
@@ -101,7 +101,7 @@ void BM_OfflineDriverThroughInstance(benchmark::State& state) {
   });
     {
       CLiveRack live("bench", RackSettings{}, &ports, [](const std::string&) {});
-      live.Create({{"A", kClass, {}, {}}});
+      live.Create({{"A", kClass, {}, {}, {}, {}}});
       live.ConnectAudio(source, sink);
       live.Pause(&source, &sink);
       live.Run(&source, &sink);
@@ -122,10 +122,10 @@ std::vector<std::uint8_t> StateWithEvents(IHostMidiPorts2* ports) {
               std::to_wstring(i) + L"\" /></MIDIMsg>";
   config += L"</Config>";
   CLiveRack live("bench", RackSettings{}, ports, [](const std::string&) {});
-  live.Create({{"A", kClass, {}, {}}});
+  live.Create({{"A", kClass, {}, {}, {}, {}}});
   live.LoadStates();
   live.Instances()[0].proxy->SetConfigXml(config.c_str());
-  std::vector<RackInstance> entries{{"A", kClass, {}, {}}};
+  std::vector<RackInstance> entries{{"A", kClass, {}, {}, {}, {}}};
   live.Snapshot(entries);
   return entries[0].state;
 }
@@ -138,7 +138,7 @@ void BM_LoadRack16x100(benchmark::State& state) {
   CVirtualMidiPorts ports(2, listener);
   Rack rack;
   const std::vector<std::uint8_t> saved = StateWithEvents(&ports);
-  for (int i = 0; i < 16; ++i) rack.instances.push_back({"I" + std::to_string(i), kClass, saved, {}});
+  for (int i = 0; i < 16; ++i) rack.instances.push_back({"I" + std::to_string(i), kClass, saved, {}, {}, {}});
   std::string error;
   SaveRackFile(file, rack, error);
   for (auto _ : state) {
