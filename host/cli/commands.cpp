@@ -204,6 +204,24 @@ CAudioDriver::Progress LoopingTransport(const RunOptions& options, const RackSet
   };
 }
 
+// A rack's instances made and their states loaded with no worker running, so nothing is sent:
+// what `config` and `params` read and change.
+struct CQuietRack {
+  struct CNobody final : CMidiPortListener {
+    void OnPortSend(std::int32_t, std::span<const std::uint8_t>) override {}
+  };
+
+  CQuietRack(const std::filesystem::path& file, const Rack& rack, CErrors& errors)
+      : ports(rack.settings.midiPorts, nobody), live(file, rack.settings, &ports, errors.Sink()) {
+    live.Create(rack.instances);
+    live.LoadStates();
+  }
+
+  CNobody nobody;
+  CVirtualMidiPorts ports;
+  CLiveRack live;
+};
+
 }  // namespace
 
 std::filesystem::path DefaultModulePath() {
@@ -383,13 +401,8 @@ int ConfigCommand(const ConfigOptions& options) {
     document = NarrowToWide(text.str());
   }
   CErrors errors;
-  struct : CMidiPortListener {
-    void OnPortSend(std::int32_t, std::span<const std::uint8_t>) override {}
-  } nobody;
-  CVirtualMidiPorts ports(rack->settings.midiPorts, nobody);
-  CLiveRack live(options.rack, rack->settings, &ports, errors.Sink());
-  live.Create(rack->instances);
-  live.LoadStates();  // no worker runs, so nothing is sent
+  CQuietRack quiet(options.rack, *rack, errors);
+  CLiveRack& live = quiet.live;
   LiveInstance* instance = FindInstance(live, options.instance);
   if (!instance || !instance->proxy) {
     Report(options.rack.string() + ": no usable instance \"" + options.instance + "\"");
@@ -437,13 +450,8 @@ int ParamsCommand(const ParamsOptions& options) {
   auto rack = LoadRack(options.rack);
   if (!rack) return 1;
   CErrors errors;
-  struct : CMidiPortListener {
-    void OnPortSend(std::int32_t, std::span<const std::uint8_t>) override {}
-  } nobody;
-  CVirtualMidiPorts ports(rack->settings.midiPorts, nobody);
-  CLiveRack live(options.rack, rack->settings, &ports, errors.Sink());
-  live.Create(rack->instances);
-  live.LoadStates();  // no worker runs, so nothing is sent
+  CQuietRack quiet(options.rack, *rack, errors);
+  CLiveRack& live = quiet.live;
   std::vector<LiveInstance*> chosen;
   if (options.instance.empty()) {
     for (LiveInstance& instance : live.Instances()) chosen.push_back(&instance);
