@@ -6,8 +6,17 @@
 
 // Button and icon flags, and answers, with the platform's values.
 inline constexpr unsigned MB_OK_FLAG = 0x0;
+inline constexpr unsigned MB_OKCANCEL_FLAG = 0x1;
+inline constexpr unsigned MB_YESNO_FLAG = 0x4;
+inline constexpr unsigned MB_ICONERROR_FLAG = 0x10;
+inline constexpr unsigned MB_ICONQUESTION_FLAG = 0x20;
 inline constexpr unsigned MB_ICONWARNING_FLAG = 0x30;
+inline constexpr unsigned MB_BUTTONS_MASK = 0xF;
+inline constexpr unsigned MB_ICON_MASK = 0xF0;
 inline constexpr int ID_OK_ANSWER = 1;
+inline constexpr int ID_CANCEL_ANSWER = 2;
+inline constexpr int ID_YES_ANSWER = 6;
+inline constexpr int ID_NO_ANSWER = 7;
 
 class CMessageBoxPresenter {
  public:

@@ -10,7 +10,15 @@ int MessageBoxRecorder::Present(const std::wstring& text, const std::wstring& ca
                                 unsigned flags) {
   std::lock_guard lock(m_mutex);
   m_boxes.push_back({text, caption, flags});
-  return ID_OK_ANSWER;
+  if (m_answers.empty()) return ID_OK_ANSWER;
+  const int answer = m_answers.front();
+  m_answers.pop_front();
+  return answer;
+}
+
+void MessageBoxRecorder::AnswerNext(int answer) {
+  std::lock_guard lock(m_mutex);
+  m_answers.push_back(answer);
 }
 
 std::vector<MessageBoxRecorder::Box> MessageBoxRecorder::Boxes() const {

@@ -4,6 +4,7 @@
 
 #include <condition_variable>
 #include <cstdint>
+#include <deque>
 #include <mutex>
 #include <string>
 #include <vector>
@@ -11,7 +12,8 @@
 #include "platform/message_box.h"
 #include "platform/notify.h"
 
-// Records each box instead of showing it, and answers OK.
+// Records each box instead of showing it, and answers what was queued with AnswerNext, in order;
+// OK when nothing is queued.
 class MessageBoxRecorder final : public CMessageBoxPresenter {
  public:
   struct Box {
@@ -27,10 +29,13 @@ class MessageBoxRecorder final : public CMessageBoxPresenter {
 
   int Present(const std::wstring& text, const std::wstring& caption, unsigned flags) override;
   std::vector<Box> Boxes() const;
+  // Queues the answer of a coming box: ID_OK_ANSWER, ID_CANCEL_ANSWER, ID_YES_ANSWER...
+  void AnswerNext(int answer);
 
  private:
   mutable std::mutex m_mutex;
   std::vector<Box> m_boxes;
+  std::deque<int> m_answers;
   CMessageBoxPresenter* m_previous;
 };
 
