@@ -63,6 +63,15 @@ TEST(AboutBox, TheBuiltInPageAndPictureShowTheVersionInTheirElement) {
       << "no version record: the numbers stay 0; the element itself is replaced";
 }
 
+#if !defined(_WIN32)
+// A library of 320 bytes whose version section states 2.4.0.400.
+TEST(AboutBox, AModuleOfVersion2Point4Point0Point400Reads2Point4Build0) {
+  TempFolder host;
+  EXPECT_NE(RunAbout(host, TARN_VERSION_SAMPLE).after.find("<td>2.4 build 0</td>"),
+            std::string::npos);
+}
+#endif
+
 TEST(AboutBox, APictureBesideTheHostResizesTheBoxAndABrokenOneIsPassedOver) {
   TempFolder host;
   host.Write("about.bmp", BitmapHeader(640, -480));
