@@ -2,9 +2,6 @@
 
 #include <algorithm>
 
-#include "editor/about_view.h"
-#include "editor/event_dialog_views.h"
-#include "editor/hex_dialog_views.h"
 
 // --- PageViewRecorder ---------------------------------------------------------------------------
 
@@ -254,6 +251,12 @@ ViewFactoryRecorder::ViewFactoryRecorder() : m_previous(SetEditorViewFactory(thi
     lastClosedLoop = view.get();
     return std::unique_ptr<IClosedLoopDialogView>(std::move(view));
   };
+  hexEdit.make = [this](ParentWindow) { return dialogs.CreateHexEditDialog(); };
+  prefixEditor.make = [this](ParentWindow) { return dialogs.CreatePrefixEditor(); };
+  program.make = [this](ParentWindow) { return dialogs.CreateProgramDialog(); };
+  controller.make = [this](ParentWindow) { return dialogs.CreateControllerDialog(); };
+  wait.make = [this](ParentWindow) { return dialogs.CreateWaitDialog(); };
+  about.make = [this](ParentWindow) { return dialogs.CreateAboutDialog(); };
 }
 
 ViewFactoryRecorder::~ViewFactoryRecorder() { SetEditorViewFactory(m_previous); }

@@ -20,6 +20,7 @@
 #include "editor/view_factory.h"
 #include "interfaces/property_page.h"
 #include "platform/popup_menu.h"
+#include "tests/support/dialog_recorders.h"
 #include "tests/support/fake_unknown.h"
 
 // --- the page -----------------------------------------------------------------------------------
@@ -177,7 +178,8 @@ class ClosedLoopDialogRecorder final : public IClosedLoopDialogView {
 // Hands out a view per screen, installed for its lifetime. Each screen has a maker a test may
 // replace (null: the screen cannot be made, as when headless) and keeps the parent of every
 // request. The page and the closed-loop dialog make recorders by default and keep the last one
-// made; the dialogs' screens start without a maker.
+// made; the other dialogs come from `dialogs`, which plays the scripts queued for them (none
+// queued: the dialog is closed at once).
 class ViewFactoryRecorder final : public CEditorViewFactory {
  public:
   template <class View>
@@ -215,6 +217,7 @@ class ViewFactoryRecorder final : public CEditorViewFactory {
   Screen<IAboutDialogView> about;
   Screen<IClosedLoopDialogView> closedLoop;
 
+  DialogViewSource dialogs;
   // What the default closed-loop recorder does while open.
   ClosedLoopDialogRecorder::Script closedLoopScript;
   // The last recorders the default makers made; null before. A view lives as long as its
