@@ -276,4 +276,96 @@ TEST_F(EventList, AMovedRowKeepsItsCheckAndTheOthersKeepTheirs) {
   EXPECT_TRUE(view().Rows()[2].checked);
 }
 
+// --- the hex dialog from the list ---------------------------------------------------------------
+
+using HexAction = HexEditDialogRecorder::Action;
+
+HexAction ReplaceBytes(Bytes bytes, const wchar_t* name) {
+  return [bytes, name](HexEditDialogRecorder& view, IHexEditDialogEvents& events) {
+    CHexGrid& grid = view.Grid();
+    grid.Erase(0, grid.Size());
+    grid.Insert(0, bytes);
+    view.name = name;
+    events.OnOk();
+  };
+}
+
+TEST_F(EventList, OkInTheHexDialogMakesTheBytesTheEventAndRefillsTheList) {
+  CStoredEvent note;
+  note.SetMessages({ShortMessage::FromBytes(0x90, 60, 100)});
+  note.SetName(L"Note");
+  note.SetDescription(L"middle C");
+  Open({note});
+  Bytes opened;
+  rig->views.dialogs.NextHexEdit(
+      {{},
+       {[&](HexEditDialogRecorder& view, IHexEditDialogEvents&) {
+          opened.assign(view.Grid().Bytes().begin(), view.Grid().Bytes().end());
+          EXPECT_EQ(view.name, L"Note");
+          EXPECT_EQ(view.description, L"middle C");
+        },
+        ReplaceBytes({0xF0, 0x01, 0x02}, L"Dump")}});
+  view().DoubleClick(0);
+  EXPECT_EQ(opened, (Bytes{0x90, 60, 100}));
+  CStoredEvent* event = nullptr;
+  filter().GetEvent(0, &event);
+  EXPECT_EQ(event->GetSysex(), (Bytes{0xF0, 0x01, 0x02, 0xF7}));
+  EXPECT_EQ(event->GetName(), L"Dump");
+  EXPECT_EQ(event->GetDescription(), L"middle C");
+  EXPECT_EQ(view().Rows()[0].texts.type, L"System Exclusive") << "refilled, type column too";
+  EXPECT_EQ(view().Rows()[0].texts.info, L"4 bytes");
+}
+
+TEST_F(EventList, CancelInTheHexDialogLeavesTheEventAsItWas) {
+  CStoredEvent note;
+  note.SetMessages({ShortMessage::FromBytes(0x90, 60, 100)});
+  Open({note});
+  rig->views.dialogs.NextHexEdit({{}, {[](HexEditDialogRecorder&, IHexEditDialogEvents& events) {
+                                    events.OnCancel();
+                                  }}});
+  view().DoubleClick(0);
+  CStoredEvent* event = nullptr;
+  filter().GetEvent(0, &event);
+  EXPECT_EQ(event->MessagesView(), (ShortMessageList{ShortMessage::FromBytes(0x90, 60, 100)}));
+}
+
+TEST_F(EventList, AnEmptyEventOpensWithOneZeroByteAndOkKeepsItEmpty) {
+  Open({CStoredEvent()});
+  Bytes opened;
+  rig->views.dialogs.NextHexEdit(
+      {{},
+       {[&](HexEditDialogRecorder& view, IHexEditDialogEvents& events) {
+         opened.assign(view.Grid().Bytes().begin(), view.Grid().Bytes().end());
+         events.OnOk();
+       }}});
+  view().DoubleClick(0);
+  EXPECT_EQ(opened, Bytes{0x00});
+  CStoredEvent* event = nullptr;
+  filter().GetEvent(0, &event);
+  EXPECT_TRUE(event->IsEmpty());
+  EXPECT_EQ(view().Rows()[0].texts.info, L"No Data");
+}
+
+TEST_F(EventList, AddedSysexCancelledKeepsItsDefaults) {
+  Open({});
+  rig->menus.AnswerNext(kAddSysex);
+  view().Click(kAddButton);
+  CStoredEvent* event = nullptr;
+  ASSERT_EQ(filter().GetEvent(0, &event), S_OK);
+  EXPECT_EQ(event->GetSysex(), (Bytes{0xF0, 0xF7}));
+  EXPECT_TRUE(event->IsEnabled());
+}
+
+TEST_F(EventList, AWaitEditedInItsDialogIsShownInItsRow) {
+  Open({CStoredEvent::MakeNew(NewEventKind::Wait)});
+  rig->views.dialogs.NextWait({[](WaitDialogRecorder& view, IModalEvents& events) {
+    view.SetItemText(wait_dialog::kMillisecondsBox, L"250");
+    view.SetItemText(kEventNameBox, L"Hold");
+    events.OnOk();
+  }});
+  view().DoubleClick(0);
+  EXPECT_EQ(view().Rows()[0].texts.name, L"Hold");
+  EXPECT_EQ(view().Rows()[0].texts.info, L"250 ms");
+}
+
 }  // namespace

@@ -273,6 +273,46 @@ TEST(PageSync, TheCheckBoxSetsTheInstancesFlag) {
   EXPECT_EQ(sync, 0);
 }
 
+TEST(PagePrefix, TheEditorsBytesBecomeThePrefixOnOkAndCancelChangesNothing) {
+  PageRig rig;
+  rig.views.dialogs.NextPrefixEditor(
+      {{},
+       {[](PrefixEditorRecorder& view, IByteDialogEvents& events) {
+         const std::uint8_t bytes[] = {0xF0, 0x41, 0x10};
+         view.Grid().Insert(0, bytes);
+         events.OnOk();
+       }}});
+  rig.view().Click(kPrefixButton);
+  EXPECT_EQ(rig.view().Text(kPrefixText), L"F0 41 10 ");
+  std::uint32_t length = 0;
+  rig.filter().GetSysexPrefixLength(&length);
+  EXPECT_EQ(length, 3u);
+
+  rig.views.dialogs.NextPrefixEditor(
+      {{},
+       {[](PrefixEditorRecorder& view, IByteDialogEvents& events) {
+         EXPECT_EQ(view.Grid().Size(), 3u) << "the editor opens with the prefix";
+         view.Grid().Erase(0, 3);
+         events.OnClose();
+       }}});
+  rig.view().Click(kPrefixButton);
+  rig.filter().GetSysexPrefixLength(&length);
+  EXPECT_EQ(length, 3u);
+  EXPECT_EQ(rig.views.prefixEditor.parents.back(), rig.view().Window());
+}
+
+// --- the logo -----------------------------------------------------------------------------------
+
+TEST(PageLogo, APressInsideTheLogoEdgesIncludedOpensTheAboutBox) {
+  PageRig rig;
+  rig.view().PressAt(557, 129);
+  rig.view().PressAt(558, 163);
+  EXPECT_TRUE(rig.views.about.parents.empty());
+  rig.view().PressAt(558, 129);
+  rig.view().PressAt(647, 162);
+  EXPECT_EQ(rig.views.about.parents.size(), 2u);
+}
+
 // --- send and send all --------------------------------------------------------------------------
 
 CStoredEvent WithMessage(const wchar_t* name, ShortMessage message, bool enabled) {

@@ -34,7 +34,7 @@ TEST(PropertyPage, BindsToTheFirstObjectWithMediaParametersAndTheirInfo) {
   IUnknown* stopping[] = {&mediaOnly, instance};
   rig.page->SetObjects(2, stopping);
   EXPECT_EQ(rig.dialog().Filter(), nullptr);
-  EXPECT_EQ(mediaOnly.RefCount(), 2) << "the page and the host each hold it";
+  EXPECT_EQ(mediaOnly.RefCount(), 3) << "in the object array and in both bound references";
 
   EXPECT_EQ(rig.page->SetObjects(1, nullptr), E_POINTER);
   rig.page->SetObjects(0, nullptr);
