@@ -7,7 +7,7 @@
 
 #include "editor/about_dialog.h"
 #include "editor/version.h"
-#include "tests/support/dialog_recorders.h"
+#include "tests/support/view_recorders.h"
 #include "tests/support/temp_folder.h"
 
 namespace {
@@ -36,9 +36,9 @@ struct AboutRun {
 
 // Runs the box over `folder` as the host's folder, completes the page and presses OK.
 AboutRun RunAbout(const TempFolder& folder, const std::wstring& modulePath = L"no-such-module") {
-  DialogViewsRecorder views;
+  ViewFactoryRecorder views;
   AboutRun run;
-  views.NextAbout({true, {[&](AboutDialogRecorder& view, IModalEvents& events) {
+  views.dialogs.NextAbout({true, {[&](AboutDialogRecorder& view, IModalEvents& events) {
                      run.htmlArea = view.htmlArea.value_or(PixelSize{});
                      run.title = view.title;
                      run.navigatedFile = view.html->navigatedFile;
@@ -91,8 +91,8 @@ TEST(AboutBox, APageBesideTheHostReplacesTheBuiltInOneAndGetsTheVersionToo) {
 TEST(AboutBox, WithoutAnHtmlViewOrAnyViewsItStillCloses) {
   TempFolder host;
   EXPECT_EQ(CAboutDlg(nullptr, host.Path().wstring(), L"").Run(), kDialogCancel);
-  DialogViewsRecorder views;
-  views.NextAbout({false, {[](AboutDialogRecorder&, IModalEvents& events) { events.OnOk(); }}});
+  ViewFactoryRecorder views;
+  views.dialogs.NextAbout({false, {[](AboutDialogRecorder&, IModalEvents& events) { events.OnOk(); }}});
   EXPECT_EQ(CAboutDlg(nullptr, host.Path().wstring(), L"").Run(), kDialogOk);
 }
 
