@@ -6,6 +6,21 @@
 #include "host/plugin/synth_catalog.h"
 #include "platform/codepage.h"
 
+namespace {
+
+// --midi, --audio and --client-name, for the commands that run instances.
+void AddBackEndOptions(CLI::App& command, BackEndOptions& options, bool audio) {
+  command.add_option("--midi", options.midi, "MIDI back end instead of the rack's")
+      ->check(CLI::IsMember({"virtual", "jack", "alsa"}));
+  if (audio)
+    command.add_option("--audio", options.audio, "Audio back end instead of the rack's")
+        ->check(CLI::IsMember({"offline", "jack"}));
+  command.add_option("--client-name", options.clientName,
+                     "Name of the host on a JACK server or ALSA sequencer (default tarn-host)");
+}
+
+}  // namespace
+
 int main(int argc, char** argv) {
   CLI::App app{"tarn-host: the reference host for the Tarn soft synth"};
   app.require_subcommand(1);
@@ -51,6 +66,21 @@ int main(int argc, char** argv) {
       ->check(CLI::Range(0.001, 86400.0));
   runCmd->add_option("--save", run.save, "Save the rack with every instance's state to this file");
   runCmd->add_flag("--quiet", run.quiet, "Do not print the MIDI monitor");
+  AddBackEndOptions(*runCmd, run.backEnds, true);
+
+  TestOptions test;
+  auto* testCmd = app.add_subcommand(
+      "test", "Run the closed-loop wiring test over a rack's instances, whose outputs must be "
+              "wired back to their inputs");
+  testCmd->add_option("rack", test.rack, "The rack file")->required();
+  testCmd->add_option("--runs", test.cleanRuns, "Clean runs to pass before stopping (default 1)")
+      ->check(CLI::Range(1, 1000));
+  testCmd->add_option("--timeout", test.timeout,
+                      "Seconds a run may take before the host presses Stop (default 30)")
+      ->check(CLI::Range(1.0, 86400.0));
+  testCmd->add_flag("--report", test.report,
+                    "Also print each port's round-trip latency, losses and duplicates");
+  AddBackEndOptions(*testCmd, test.backEnds, false);
 
   ConfigOptions config;
   auto* configCmd = app.add_subcommand(
@@ -79,6 +109,7 @@ int main(int argc, char** argv) {
   if (portsCmd->parsed()) return PortsCommand(portCount);
   if (newCmd->parsed()) return NewCommand(fresh);
   if (runCmd->parsed()) return RunCommand(run);
+  if (testCmd->parsed()) return TestCommand(test);
   if (configCmd->parsed()) return ConfigCommand(config);
   if (paramsCmd->parsed()) return ParamsCommand(params);
   return 1;

@@ -15,7 +15,10 @@
 #include <thread>
 
 #include "host/audio/offline_driver.h"
-#include "host/midi/port_traffic.h"
+#include "host/cli/midi_session.h"
+#include "host/looptest/loop_latency.h"
+#include "host/looptest/loop_test_runner.h"
+#include "host/midi/virtual_midi_ports.h"
 #include "host/plugin/synth_catalog.h"
 #include "host/rack/live_rack.h"
 #include "platform/codepage.h"
@@ -153,40 +156,24 @@ bool SaveRack(const std::filesystem::path& path, Rack rack, CLiveRack& live) {
   return true;
 }
 
-// Output N wired back to input N: whole short messages cross as live input to the instances
-// listening there; until Open they are held, after Close dropped.
-class CInputRouting {
- public:
-  // [traffic thread]
-  void Route(const PortMessage& message) {
-    if (message.bytes.empty() || message.bytes.size() > 3 || message.bytes[0] == 0xF0) return;
-    std::uint32_t packed = 0;
-    for (std::size_t i = 0; i < message.bytes.size(); ++i)
-      packed |= static_cast<std::uint32_t>(message.bytes[i]) << (8 * i);
-    std::lock_guard lock(m_mutex);
-    if (m_live) m_live->DeliverInput(message.port, packed);
-    else if (!m_closed) m_held.emplace_back(message.port, packed);
-  }
-  // [host thread] Delivers what was held, then everything as it comes.
-  void Open(CLiveRack& live) {
-    std::lock_guard lock(m_mutex);
-    m_live = &live;
-    for (const auto& [port, packed] : m_held) live.DeliverInput(port, packed);
-    m_held.clear();
-  }
-  // [host thread]
-  void Close() {
-    std::lock_guard lock(m_mutex);
-    m_live = nullptr;
-    m_closed = true;
-  }
+// The back ends asked for on the command line replace the rack's.
+void ApplyBackEnds(const BackEndOptions& options, RackSettings& settings) {
+  if (options.midi) settings.midi = *options.midi;
+  if (options.audio) settings.audio = *options.audio;
+}
 
- private:
-  std::mutex m_mutex;
-  CLiveRack* m_live = nullptr;
-  bool m_closed = false;
-  std::vector<std::pair<std::int32_t, std::uint32_t>> m_held;
-};
+MidiSessionOptions SessionOptions(const BackEndOptions& options, const RackSettings& settings,
+                                  bool monitor) {
+  return {settings.midi, settings.midiPorts, options.clientName, monitor};
+}
+
+// What the MIDI back end saw fail during the run, each counted as an error.
+void ReportFaults(CMidiSession& session, CErrors& errors) {
+  for (const std::string& fault : session.Faults()) {
+    ++errors.count;
+    Report(fault);
+  }
+}
 
 // With a loop length, the transport jumps back to its start each time the audio has played that
 // long; the tick it jumps from follows the tempo.
@@ -318,11 +305,12 @@ int NewCommand(const NewOptions& options) {
 int RunCommand(const RunOptions& options) {
   auto rack = LoadRack(options.rack);
   if (!rack) return 1;
+  ApplyBackEnds(options.backEnds, rack->settings);
   if (options.bpm) rack->settings.beatsPerMinute = *options.bpm;
   CErrors errors;
-  if (rack->settings.midi != "virtual" || rack->settings.audio != "offline") {
-    Report(options.rack.string() + ": back ends \"" + rack->settings.midi + "\" and \"" +
-           rack->settings.audio + "\" are not available; this host has \"virtual\" and \"offline\"");
+  if (rack->settings.audio != "offline") {
+    Report(options.rack.string() + ": there is no audio back end \"" + rack->settings.audio +
+           "\" (offline)");
     return 1;
   }
 
@@ -335,18 +323,12 @@ int RunCommand(const RunOptions& options) {
     Report(error);
     return 1;
   }
-
-  // Live input waits until every state is loaded, so that an instance sending on load reaches
-  // a listener that is loaded after it.
-  CInputRouting routing;
-  CVirtualMidiPorts* portsForNames = nullptr;
-  CPortTraffic traffic([&](const PortMessage& message) {
-    if (!options.quiet)
-      std::printf("%s\n", MonitorLine(message, PortName(portsForNames, message.port, true)).c_str());
-    routing.Route(message);
-  });
-  CVirtualMidiPorts ports(rack->settings.midiPorts, traffic);
-  portsForNames = &ports;
+  auto session = CMidiSession::Open(SessionOptions(options.backEnds, rack->settings,
+                                                   !options.quiet), error);
+  if (!session) {
+    Report(error);
+    return 1;
+  }
 
   CHostSource source(driver->Format(), driver->BufferBytes());
   CHostSink sink([&](std::span<const std::uint8_t> bytes, REFERENCE_TIME, REFERENCE_TIME) {
@@ -354,13 +336,13 @@ int RunCommand(const RunOptions& options) {
   });
   bool streamed = false;
   {
-    CLiveRack live(options.rack, rack->settings, &ports, errors.Sink());
+    CLiveRack live(options.rack, rack->settings, &session->Ports(), errors.Sink());
     live.Create(rack->instances);
     if (!live.ConnectAudio(source, sink)) return 1;
     live.Pause(&source, &sink);
     live.LoadStates();  // after Pause, so that the workers send what the states hold
     live.AddEnvelopes();  // after the states, before the first sample
-    routing.Open(live);
+    session->OpenTo(live);
     const auto start = std::chrono::steady_clock::now();
     live.Run(&source, &sink);
     live.Start(options.startTick);
@@ -369,11 +351,11 @@ int RunCommand(const RunOptions& options) {
     std::this_thread::sleep_until(start + std::chrono::duration<double>(options.seconds));
     live.StopTransport();
     live.Stop(&source, &sink);
-    traffic.Drain();
-    routing.Close();
+    session->Close();
     std::fflush(stdout);
     PrintSummary(live);
     PrintEnvelopeEnds(live);
+    ReportFaults(*session, errors);
     if (options.save && SaveRack(*options.save, *rack, live))
       std::printf("saved %s\n", options.save->c_str());
     else if (options.save)
@@ -384,6 +366,51 @@ int RunCommand(const RunOptions& options) {
     return 1;
   }
   return streamed && errors.count == 0 ? 0 : 1;
+}
+
+int TestCommand(const TestOptions& options) {
+  auto rack = LoadRack(options.rack);
+  if (!rack) return 1;
+  ApplyBackEnds(options.backEnds, rack->settings);
+  std::string error;
+  auto session =
+      CMidiSession::Open(SessionOptions(options.backEnds, rack->settings, false), error);
+  if (!session) {
+    Report(error);
+    return 1;
+  }
+  CLoopLatency latency;
+  if (options.report) session->Observe(&latency);
+  CErrors errors;
+  bool passed = false;
+  {
+    CLiveRack live(options.rack, rack->settings, &session->Ports(), errors.Sink());
+    live.Create(rack->instances);
+    // No audio streams: Pause starts the output workers, which is all the test needs, and no
+    // MIDI clock runs to disturb the counts.
+    live.Pause(nullptr, nullptr);
+    live.LoadStates();
+    session->OpenTo(live);
+    CSteadyLoopClock clock;
+    CLoopTestRunner runner(
+        [&live](const std::function<void(IMyFilter*)>& visit) {
+          for (LiveInstance& instance : live.Instances())
+            if (instance.myFilter) visit(instance.myFilter.Get());
+        },
+        clock, {options.cleanRuns, std::chrono::milliseconds(std::llround(options.timeout * 1000))},
+        stdout);
+    runner.OnStatus([&latency](const std::wstring& status) {
+      if (status == kClosedLoopTesting) latency.Begin();
+    });
+    IMyFilter* opener = live.Instances().empty() ? nullptr : live.Instances()[0].myFilter.Get();
+    passed = runner.Run(opener);
+    live.Stop(nullptr, nullptr);
+    session->Close();
+    ReportFaults(*session, errors);
+  }
+  if (options.report) std::printf("%s", latency.Report().c_str());
+  std::printf("%s\n", passed ? "passed" : "failed");
+  return passed && errors.count == 0 ? 0 : 1;
 }
 
 int ConfigCommand(const ConfigOptions& options) {

@@ -1,0 +1,64 @@
+#include "host/cli/midi_session.h"
+
+#include <cstdio>
+
+#include "host/midi/virtual_midi_ports.h"
+#include "host/rack/live_rack.h"
+
+CMidiSession::CMidiSession(const MidiSessionOptions& options)
+    : m_options(options), m_traffic([this](const PortMessage& message) { OnSent(message); }) {}
+
+CMidiSession::~CMidiSession() = default;
+
+std::unique_ptr<CMidiSession> CMidiSession::Open(const MidiSessionOptions& options,
+                                                 std::string& error) {
+  std::unique_ptr<CMidiSession> session(new CMidiSession(options));
+  if (options.backEnd == "virtual") {
+    session->m_ports = std::make_unique<CVirtualMidiPorts>(options.ports, session->m_traffic);
+    return session;
+  }
+  error = "there is no MIDI back end \"" + options.backEnd + "\" (virtual, jack or alsa)";
+  return nullptr;
+}
+
+void CMidiSession::OnSent(const PortMessage& message) {
+  const std::wstring name = m_ports->SentPortName(message.port);
+  if (m_options.monitor) std::printf("%s\n", MonitorLine(message, name).c_str());
+  if (m_latency) m_latency->OnSent(name, message.bytes, m_traffic.Start() + message.time);
+  // The virtual wire: output N comes back at input N, short messages only.
+  if (m_options.backEnd != "virtual" || message.bytes.empty() || message.bytes.size() > 3 ||
+      message.bytes[0] == 0xF0)
+    return;
+  std::uint32_t packed = 0;
+  for (std::size_t i = 0; i < message.bytes.size(); ++i)
+    packed |= static_cast<std::uint32_t>(message.bytes[i]) << (8 * i);
+  OnArrived({CVirtualMidiPorts::InputId(message.port), packed, std::chrono::steady_clock::now()});
+}
+
+void CMidiSession::OnArrived(const MidiArrival& arrival) {
+  if (m_latency)
+    m_latency->OnArrived(m_ports->InputPortName(arrival.inputId), arrival.packed, arrival.time);
+  Route(arrival.inputId, arrival.packed);
+}
+
+void CMidiSession::Route(std::int32_t inputId, std::uint32_t packed) {
+  std::lock_guard lock(m_routeMutex);
+  if (m_live)
+    m_live->DeliverInput(inputId, packed);
+  else if (!m_closed)
+    m_held.emplace_back(inputId, packed);
+}
+
+void CMidiSession::OpenTo(CLiveRack& live) {
+  std::lock_guard lock(m_routeMutex);
+  m_live = &live;
+  for (const auto& [inputId, packed] : m_held) live.DeliverInput(inputId, packed);
+  m_held.clear();
+}
+
+void CMidiSession::Close() {
+  m_traffic.Drain();
+  std::lock_guard lock(m_routeMutex);
+  m_live = nullptr;
+  m_closed = true;
+}
