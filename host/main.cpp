@@ -38,10 +38,11 @@ int main(int argc, char** argv) {
 
   auto* listCmd = app.add_subcommand("list", "List the registered soft synths");
 
-  int portCount = 2;
-  auto* portsCmd = app.add_subcommand("ports", "List the MIDI ports of the virtual back end");
-  portsCmd->add_option("--count", portCount, "Ports in each direction")
+  PortsOptions ports;
+  auto* portsCmd = app.add_subcommand("ports", "List the MIDI ports of a back end with their ids");
+  portsCmd->add_option("--count", ports.count, "The host's own ports in each direction")
       ->check(CLI::Range(1, 64));
+  AddBackEndOptions(*portsCmd, ports.backEnds, false);
 
   NewOptions fresh;
   auto* newCmd = app.add_subcommand("new", "Write a rack of fresh instances");
@@ -90,6 +91,7 @@ int main(int argc, char** argv) {
       ->required();
   configCmd->add_option("--set", config.set,
                         "Configuration document to apply; the rack is saved with the result");
+  AddBackEndOptions(*configCmd, config.backEnds, false);
 
   ParamsOptions params;
   auto* paramsCmd = app.add_subcommand(
@@ -99,6 +101,7 @@ int main(int argc, char** argv) {
                         "The instance's number (from 1) or name (default: every instance)");
   paramsCmd->add_option("--set", params.sets,
                         "INDEX=VALUE to set before listing (repeat for each; not saved)");
+  AddBackEndOptions(*paramsCmd, params.backEnds, false);
 
   CLI11_PARSE(app, argc, argv);
   if (!registry.empty()) SetHostRegistryRoot(NarrowToWide(registry));
@@ -106,7 +109,7 @@ int main(int argc, char** argv) {
   if (registerCmd->parsed()) return RegisterCommand(reg);
   if (unregisterCmd->parsed()) return RegisterCommand(unreg);
   if (listCmd->parsed()) return ListCommand();
-  if (portsCmd->parsed()) return PortsCommand(portCount);
+  if (portsCmd->parsed()) return PortsCommand(ports);
   if (newCmd->parsed()) return NewCommand(fresh);
   if (runCmd->parsed()) return RunCommand(run);
   if (testCmd->parsed()) return TestCommand(test);

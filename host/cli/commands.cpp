@@ -192,20 +192,29 @@ CAudioDriver::Progress LoopingTransport(const RunOptions& options, const RackSet
 }
 
 // A rack's instances made and their states loaded with no worker running, so nothing is sent:
-// what `config` and `params` read and change.
+// what `config` and `params` read and change. The rack's MIDI back end is there, so that its
+// instances find their ports.
 struct CQuietRack {
-  struct CNobody final : CMidiPortListener {
-    void OnPortSend(std::int32_t, std::span<const std::uint8_t>) override {}
-  };
-
-  CQuietRack(const std::filesystem::path& file, const Rack& rack, CErrors& errors)
-      : ports(rack.settings.midiPorts, nobody), live(file, rack.settings, &ports, errors.Sink()) {
+  CQuietRack(const std::filesystem::path& file, const Rack& rack,
+             std::unique_ptr<CMidiSession> midi, CErrors& errors)
+      : session(std::move(midi)), live(file, rack.settings, &session->Ports(), errors.Sink()) {
     live.Create(rack.instances);
     live.LoadStates();
   }
+  // Null when the back end cannot be opened (reported).
+  static std::unique_ptr<CQuietRack> Open(const std::filesystem::path& file, Rack& rack,
+                                          const BackEndOptions& backEnds, CErrors& errors) {
+    ApplyBackEnds(backEnds, rack.settings);
+    std::string error;
+    auto session = CMidiSession::Open(SessionOptions(backEnds, rack.settings, false), error);
+    if (!session) {
+      Report(error);
+      return nullptr;
+    }
+    return std::make_unique<CQuietRack>(file, rack, std::move(session), errors);
+  }
 
-  CNobody nobody;
-  CVirtualMidiPorts ports;
+  std::unique_ptr<CMidiSession> session;
   CLiveRack live;
 };
 
@@ -253,11 +262,17 @@ int ListCommand() {
   return 0;
 }
 
-int PortsCommand(int count) {
-  struct : CMidiPortListener {
-    void OnPortSend(std::int32_t, std::span<const std::uint8_t>) override {}
-  } nobody;
-  CVirtualMidiPorts ports(count, nobody);
+int PortsCommand(const PortsOptions& options) {
+  std::string error;
+  auto session = CMidiSession::Open(
+      {options.backEnds.midi.value_or("virtual"), options.count, options.backEnds.clientName,
+       false},
+      error);
+  if (!session) {
+    Report(error);
+    return 1;
+  }
+  CMidiBackEnd& ports = session->Ports();
   for (std::int32_t i = 0; i < ports.GetInputPortCount(); ++i) {
     std::int32_t id = 0;
     ports.GetInputPortId(i, &id);
@@ -428,8 +443,9 @@ int ConfigCommand(const ConfigOptions& options) {
     document = NarrowToWide(text.str());
   }
   CErrors errors;
-  CQuietRack quiet(options.rack, *rack, errors);
-  CLiveRack& live = quiet.live;
+  auto quiet = CQuietRack::Open(options.rack, *rack, options.backEnds, errors);
+  if (!quiet) return 1;
+  CLiveRack& live = quiet->live;
   LiveInstance* instance = FindInstance(live, options.instance);
   if (!instance || !instance->proxy) {
     Report(options.rack.string() + ": no usable instance \"" + options.instance + "\"");
@@ -477,8 +493,9 @@ int ParamsCommand(const ParamsOptions& options) {
   auto rack = LoadRack(options.rack);
   if (!rack) return 1;
   CErrors errors;
-  CQuietRack quiet(options.rack, *rack, errors);
-  CLiveRack& live = quiet.live;
+  auto quiet = CQuietRack::Open(options.rack, *rack, options.backEnds, errors);
+  if (!quiet) return 1;
+  CLiveRack& live = quiet->live;
   std::vector<LiveInstance*> chosen;
   if (options.instance.empty()) {
     for (LiveInstance& instance : live.Instances()) chosen.push_back(&instance);

@@ -17,8 +17,6 @@ int RegisterCommand(const RegisterOptions& options);
 // The registered soft synths: identifier, name and module, one a line.
 int ListCommand();
 
-// The MIDI back end's ports with their stable identifiers.
-int PortsCommand(int count);
 
 struct NewOptions {
   std::filesystem::path rack;
@@ -35,6 +33,13 @@ struct BackEndOptions {
   std::optional<std::string> audio;  // "offline" or "jack"
   std::string clientName = "tarn-host";  // on a server: the prefix of the host's client names
 };
+
+struct PortsOptions {
+  BackEndOptions backEnds;
+  std::int32_t count = 2;  // the host's own ports in each direction
+};
+// The MIDI back end's ports with their stable identifiers.
+int PortsCommand(const PortsOptions& options);
 
 struct RunOptions {
   std::filesystem::path rack;
@@ -67,6 +72,7 @@ int TestCommand(const TestOptions& options);
 
 struct ConfigOptions {
   std::filesystem::path rack;
+  BackEndOptions backEnds;
   std::string instance;  // a 1-based number or a name
   std::optional<std::filesystem::path> set;
 };
@@ -76,6 +82,7 @@ int ConfigCommand(const ConfigOptions& options);
 
 struct ParamsOptions {
   std::filesystem::path rack;
+  BackEndOptions backEnds;
   std::string instance;           // a 1-based number or a name; empty: every instance
   std::vector<std::string> sets;  // "INDEX=VALUE", applied in order before printing
 };

@@ -2,6 +2,7 @@
 
 #include <cstdio>
 
+#include "host/midi/rtmidi_ports.h"
 #include "host/midi/virtual_midi_ports.h"
 #include "host/rack/live_rack.h"
 
@@ -16,6 +17,16 @@ std::unique_ptr<CMidiSession> CMidiSession::Open(const MidiSessionOptions& optio
   if (options.backEnd == "virtual") {
     session->m_ports = std::make_unique<CVirtualMidiPorts>(options.ports, session->m_traffic);
     return session;
+  }
+  if (options.backEnd == "jack" || options.backEnd == "alsa") {
+    const RtMidiPortsOptions server{
+        options.backEnd == "jack" ? MidiServer::Jack : MidiServer::Alsa, options.clientName,
+        options.ports};
+    CMidiSession* raw = session.get();
+    session->m_ports = CRtMidiPorts::Open(
+        server, session->m_traffic, [raw](const MidiArrival& arrival) { raw->OnArrived(arrival); },
+        error);
+    return session->m_ports ? std::move(session) : nullptr;
   }
   error = "there is no MIDI back end \"" + options.backEnd + "\" (virtual, jack or alsa)";
   return nullptr;

@@ -14,7 +14,7 @@ std::int32_t Clamped(double value) {
 }  // namespace
 
 ComPtr<CHostContext> CHostContext::Create(std::shared_ptr<const CHostTempo> tempo,
-                                          IHostMidiPorts2* ports) {
+                                          CMidiBackEnd* ports) {
   return ComPtr<CHostContext>(new CHostContext(std::move(tempo), ports));
 }
 
@@ -57,7 +57,7 @@ HRESULT CHostContext::GetInputPortName(std::int32_t index, wchar_t* name, std::u
 }
 std::int32_t CHostContext::GetOutputPortCount() { return m_ports->GetOutputPortCount(); }
 HRESULT CHostContext::GetOutputPortHandle(std::int32_t index, MidiPortHandle* handle) {
-  return m_ports->GetOutputPortHandle(index, handle);
+  return m_ports->OutputHandle(index, Noted(m_outputPortId), handle);
 }
 HRESULT CHostContext::GetOutputPortName(std::int32_t index, wchar_t* name,
                                         std::uint32_t capacity) {
@@ -80,7 +80,10 @@ HRESULT CHostContext::UseInputPort(std::int32_t id) {
   m_inputPortId = id;
   return m_ports->UseInputPort(id);
 }
-HRESULT CHostContext::UseOutputPort(std::int32_t id) { return m_ports->UseOutputPort(id); }
+HRESULT CHostContext::UseOutputPort(std::int32_t id) {
+  m_outputPortId = id;
+  return m_ports->UseOutputPort(id);
+}
 
 HRESULT CHostContext::OnSinkEvent(IMfxInputPort*, const HostEventRecord* record) {
   if (!record) return E_POINTER;
@@ -89,11 +92,13 @@ HRESULT CHostContext::OnSinkEvent(IMfxInputPort*, const HostEventRecord* record)
   return S_OK;
 }
 
-std::optional<std::int32_t> CHostContext::InputPortId() const {
-  const std::int64_t id = m_inputPortId.load();
-  if (id == kNoInput) return std::nullopt;
-  return static_cast<std::int32_t>(id);
+std::optional<std::int32_t> CHostContext::Noted(const std::atomic<std::int64_t>& id) {
+  const std::int64_t value = id.load();
+  if (value == kNone) return std::nullopt;
+  return static_cast<std::int32_t>(value);
 }
+
+std::optional<std::int32_t> CHostContext::InputPortId() const { return Noted(m_inputPortId); }
 
 std::vector<std::uint32_t> CHostContext::SinkMessages() const {
   std::lock_guard lock(m_sinkMutex);

@@ -11,8 +11,8 @@
 #include <vector>
 
 #include "host/context/host_tempo.h"
+#include "host/midi/midi_back_end.h"
 #include "interfaces/host_interfaces.h"
-#include "interfaces/host_midi_ports.h"
 #include "platform/com_ptr.h"
 
 class CHostContext final
@@ -22,7 +22,7 @@ class CHostContext final
   // [host thread] A context with one reference owned by the caller, reading the run's `tempo`
   // and passing port calls on to `ports` (which it holds).
   static ComPtr<CHostContext> Create(std::shared_ptr<const CHostTempo> tempo,
-                                     IHostMidiPorts2* ports);
+                                     CMidiBackEnd* ports);
 
   // --- IHostTempoMap ---------------------------------------------------------------------------
   // [host thread or streaming thread] Durations at the tempo in force, rounded to the nearest
@@ -41,7 +41,8 @@ class CHostContext final
   HRESULT STDMETHODCALLTYPE OnPinCountChange(std::int32_t phase, IUnknown* filter,
                                              std::int32_t count) override;
 
-  // --- IHostMidiPorts2: the back end's ports, unchanged; UseInputPort is also noted ------------
+  // --- IHostMidiPorts2: the back end's ports. The ports the instance announces are noted: live
+  // input goes where it listens, and its handle is found by the id of the output it chose.
   std::int32_t STDMETHODCALLTYPE GetInputPortCount() override;
   HRESULT STDMETHODCALLTYPE Reserved() override { return E_NOTIMPL; }
   HRESULT STDMETHODCALLTYPE GetInputPortName(std::int32_t index, wchar_t* name,
@@ -73,13 +74,15 @@ class CHostContext final
   std::optional<std::int32_t> InputPortId() const;
 
  private:
-  CHostContext(std::shared_ptr<const CHostTempo> tempo, IHostMidiPorts2* ports)
+  CHostContext(std::shared_ptr<const CHostTempo> tempo, CMidiBackEnd* ports)
       : m_tempo(std::move(tempo)), m_ports(ports) {}
+  static std::optional<std::int32_t> Noted(const std::atomic<std::int64_t>& id);
 
   const std::shared_ptr<const CHostTempo> m_tempo;
-  const ComPtr<IHostMidiPorts2> m_ports;
-  static constexpr std::int64_t kNoInput = INT64_MIN;
-  std::atomic<std::int64_t> m_inputPortId{kNoInput};
+  const ComPtr<CMidiBackEnd> m_ports;
+  static constexpr std::int64_t kNone = INT64_MIN;
+  std::atomic<std::int64_t> m_inputPortId{kNone};
+  std::atomic<std::int64_t> m_outputPortId{kNone};
   std::atomic<std::int32_t> m_pinCount{1};
   mutable std::mutex m_sinkMutex;
   std::vector<std::uint32_t> m_sink;

@@ -5,6 +5,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -37,6 +38,13 @@ class CMidiBackEnd : public CUnknownImpl<IHostMidiPorts2> {
   // [host thread, after the run] What failed during the run, one line each: sends refused by a
   // port that had gone, input that did not fit, ports that went away. Empty when nothing did.
   virtual std::vector<std::string> Faults() { return {}; }
+  // [output worker] The handle for an instance's output: the port it announced with
+  // UseOutputPort(`id`) where the back end finds it by id, so that ports coming and going in
+  // the list do not move it; else the port at `index`, as GetOutputPortHandle.
+  virtual HRESULT OutputHandle(std::int32_t index, std::optional<std::int32_t> /*id*/,
+                               MidiPortHandle* handle) {
+    return GetOutputPortHandle(index, handle);
+  }
 
   HRESULT STDMETHODCALLTYPE Reserved() override { return E_NOTIMPL; }
 

@@ -38,7 +38,7 @@ std::string ResultText(HRESULT hr) {
 }
 
 CLiveRack::CLiveRack(std::filesystem::path file, const RackSettings& settings,
-                     IHostMidiPorts2* ports, ErrorSink errors)
+                     CMidiBackEnd* ports, ErrorSink errors)
     : m_file(std::move(file)),
       m_tempo(std::make_shared<CHostTempo>(
           HostTiming{settings.beatsPerMinute, settings.sampleRate})),

@@ -39,7 +39,7 @@ class CLiveRack {
   // [host thread] What the rack reports: one line naming the file and the instance.
   using ErrorSink = std::function<void(const std::string&)>;
 
-  CLiveRack(std::filesystem::path file, const RackSettings& settings, IHostMidiPorts2* ports,
+  CLiveRack(std::filesystem::path file, const RackSettings& settings, CMidiBackEnd* ports,
             ErrorSink errors);
   // Stops, disconnects and releases every instance before their modules go.
   ~CLiveRack();
@@ -98,7 +98,7 @@ class CLiveRack {
 
   const std::filesystem::path m_file;
   const std::shared_ptr<CHostTempo> m_tempo;
-  const ComPtr<IHostMidiPorts2> m_ports;
+  const ComPtr<CMidiBackEnd> m_ports;
   const ErrorSink m_errors;
   CSynthCatalog m_catalog;  // before the instances, so that modules outlive them
   std::vector<LiveInstance> m_instances;
