@@ -14,6 +14,7 @@
 #include <sstream>
 #include <thread>
 
+#include "host/audio/jack_driver.h"
 #include "host/audio/offline_driver.h"
 #include "host/cli/midi_session.h"
 #include "host/looptest/loop_latency.h"
@@ -191,6 +192,44 @@ CAudioDriver::Progress LoopingTransport(const RunOptions& options, const RackSet
   };
 }
 
+// The tempo follows the transport when something outside the host sets it, from the frame
+// where it changed; and the loop, if any, jumps back.
+CAudioDriver::Progress Transport(const RunOptions& options, const RackSettings& settings,
+                                 const CAudioDriver& driver, CLiveRack& live) {
+  return [loop = LoopingTransport(options, settings, live), &driver, &live](
+             std::int64_t frames) {
+    if (const auto bpm = driver.TransportTempo()) live.Tempo().Change(*bpm, frames);
+    if (loop) loop(frames);
+  };
+}
+
+// The audio back end the rack names; the server's rate and period become the rack's. Audio files
+// are checked here, before any instance starts.
+std::unique_ptr<CAudioDriver> OpenAudio(const RunOptions& options, RackSettings& settings,
+                                        std::string& error) {
+  if (settings.audio == "offline") {
+    const OfflineOptions audio{settings.sampleRate, settings.bufferFrames,
+                               options.seconds,     options.input,
+                               options.output,      isatty(STDERR_FILENO) != 0};
+    return COfflineDriver::Open(audio, error);
+  }
+  if (settings.audio != "jack") {
+    error = options.rack.string() + ": there is no audio back end \"" + settings.audio +
+            "\" (offline or jack)";
+    return nullptr;
+  }
+  if (options.input || options.output) {
+    error = "--in and --out are for the offline audio back end; on JACK, wire the host's ports";
+    return nullptr;
+  }
+  auto jack = CJackDriver::Open({options.backEnds.clientName, options.seconds}, error);
+  if (jack) {
+    settings.sampleRate = jack->SampleRate();
+    settings.bufferFrames = jack->PeriodFrames();
+  }
+  return jack;
+}
+
 // A rack's instances made and their states loaded with no worker running, so nothing is sent:
 // what `config` and `params` read and change. The rack's MIDI back end is there, so that its
 // instances find their ports.
@@ -323,17 +362,8 @@ int RunCommand(const RunOptions& options) {
   ApplyBackEnds(options.backEnds, rack->settings);
   if (options.bpm) rack->settings.beatsPerMinute = *options.bpm;
   CErrors errors;
-  if (rack->settings.audio != "offline") {
-    Report(options.rack.string() + ": there is no audio back end \"" + rack->settings.audio +
-           "\" (offline)");
-    return 1;
-  }
-
-  // Audio files are checked before any instance starts.
-  OfflineOptions audio{rack->settings.sampleRate, rack->settings.bufferFrames, options.seconds,
-                       options.input, options.output, isatty(STDERR_FILENO) != 0};
   std::string error;
-  auto driver = COfflineDriver::Open(audio, error);
+  auto driver = OpenAudio(options, rack->settings, error);
   if (!driver) {
     Report(error);
     return 1;
@@ -360,8 +390,8 @@ int RunCommand(const RunOptions& options) {
     session->OpenTo(live);
     const auto start = std::chrono::steady_clock::now();
     live.Run(&source, &sink);
-    live.Start(options.startTick);
-    streamed = driver->Stream(source, LoopingTransport(options, rack->settings, live), error);
+    live.Start(driver->TransportTick().value_or(options.startTick));
+    streamed = driver->Stream(source, Transport(options, rack->settings, *driver, live), error);
     if (!streamed) Report(options.rack.string() + ": " + error);
     std::this_thread::sleep_until(start + std::chrono::duration<double>(options.seconds));
     live.StopTransport();
@@ -371,6 +401,10 @@ int RunCommand(const RunOptions& options) {
     PrintSummary(live);
     PrintEnvelopeEnds(live);
     ReportFaults(*session, errors);
+    for (const std::string& fault : driver->Faults()) {
+      ++errors.count;
+      Report(fault);
+    }
     if (options.save && SaveRack(*options.save, *rack, live))
       std::printf("saved %s\n", options.save->c_str());
     else if (options.save)
