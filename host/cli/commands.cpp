@@ -457,7 +457,7 @@ int TestCommand(const TestOptions& options) {
     session->Close();
     ReportFaults(*session, errors);
   }
-  if (options.report) std::printf("%s", latency.Report().c_str());
+  std::printf("%s", session->LatencyReport().c_str());
   std::printf("%s\n", passed ? "passed" : "failed");
   return passed && errors.count == 0 ? 0 : 1;
 }

@@ -15,7 +15,7 @@ std::unique_ptr<CMidiSession> CMidiSession::Open(const MidiSessionOptions& optio
                                                  std::string& error) {
   std::unique_ptr<CMidiSession> session(new CMidiSession(options));
   if (options.backEnd == "virtual") {
-    session->m_ports = std::make_unique<CVirtualMidiPorts>(options.ports, session->m_traffic);
+    session->m_ports = std::make_unique<CVirtualMidiPorts>(options.ports, *session);
     return session;
   }
   if (options.backEnd == "jack" || options.backEnd == "alsa") {
@@ -24,7 +24,7 @@ std::unique_ptr<CMidiSession> CMidiSession::Open(const MidiSessionOptions& optio
         options.ports};
     CMidiSession* raw = session.get();
     session->m_ports = CRtMidiPorts::Open(
-        server, session->m_traffic, [raw](const MidiArrival& arrival) { raw->OnArrived(arrival); },
+        server, *session, [raw](const MidiArrival& arrival) { raw->OnArrived(arrival); },
         error);
     return session->m_ports ? std::move(session) : nullptr;
   }
@@ -32,10 +32,14 @@ std::unique_ptr<CMidiSession> CMidiSession::Open(const MidiSessionOptions& optio
   return nullptr;
 }
 
+void CMidiSession::OnPortSend(std::int32_t port, std::span<const std::uint8_t> bytes) {
+  if (m_latency) m_latency->OnSent(port, bytes, std::chrono::steady_clock::now());
+  m_traffic.OnPortSend(port, bytes);
+}
+
 void CMidiSession::OnSent(const PortMessage& message) {
-  const std::wstring name = m_ports->SentPortName(message.port);
-  if (m_options.monitor) std::printf("%s\n", MonitorLine(message, name).c_str());
-  if (m_latency) m_latency->OnSent(name, message.bytes, m_traffic.Start() + message.time);
+  if (m_options.monitor)
+    std::printf("%s\n", MonitorLine(message, m_ports->SentPortName(message.port)).c_str());
   // The virtual wire: output N comes back at input N, short messages only.
   if (m_options.backEnd != "virtual" || message.bytes.empty() || message.bytes.size() > 3 ||
       message.bytes[0] == 0xF0)
@@ -46,9 +50,14 @@ void CMidiSession::OnSent(const PortMessage& message) {
   OnArrived({CVirtualMidiPorts::InputId(message.port), packed, std::chrono::steady_clock::now()});
 }
 
+std::string CMidiSession::LatencyReport() const {
+  if (!m_latency) return {};
+  return m_latency->Report({[this](std::int32_t port) { return m_ports->SentPortName(port); },
+                            [this](std::int32_t id) { return m_ports->InputPortName(id); }});
+}
+
 void CMidiSession::OnArrived(const MidiArrival& arrival) {
-  if (m_latency)
-    m_latency->OnArrived(m_ports->InputPortName(arrival.inputId), arrival.packed, arrival.time);
+  if (m_latency) m_latency->OnArrived(arrival.inputId, arrival.packed, arrival.time);
   Route(arrival.inputId, arrival.packed);
 }
 

@@ -25,7 +25,7 @@ struct MidiSessionOptions {
   bool monitor = true;              // print each message that reaches a port
 };
 
-class CMidiSession {
+class CMidiSession final : public CMidiPortListener {
  public:
   // [host thread] The back end up and its own ports open; null with `error` saying why not (an
   // unknown back end, no server, no sequencer).
@@ -47,10 +47,15 @@ class CMidiSession {
   void Close();
   // [host thread, after Close] What failed, one line each.
   std::vector<std::string> Faults() { return m_ports->Faults(); }
+  // [host thread, after Close] The latency report, with the ports' names.
+  std::string LatencyReport() const;
 
  private:
   explicit CMidiSession(const MidiSessionOptions& options);
-  // [traffic thread] One message went out at a port.
+  // [the sender's thread] One message went out at a port: noted for the latency report at
+  // once, then shown and (on the virtual wire) delivered on the traffic thread.
+  void OnPortSend(std::int32_t port, std::span<const std::uint8_t> bytes) override;
+  // [traffic thread]
   void OnSent(const PortMessage& message);
   // [input thread] One short message reached an input port.
   void OnArrived(const MidiArrival& arrival);

@@ -42,27 +42,20 @@ void CLoopLatency::Begin() {
   m_recording = true;
 }
 
-std::size_t CLoopLatency::Index(std::vector<std::wstring>& names, const std::wstring& name) {
-  const auto found = std::find(names.begin(), names.end(), name);
-  if (found != names.end()) return static_cast<std::size_t>(found - names.begin());
-  names.push_back(name);
-  return names.size() - 1;
-}
-
-void CLoopLatency::OnSent(const std::wstring& port, std::span<const std::uint8_t> bytes,
+void CLoopLatency::OnSent(std::int32_t port, std::span<const std::uint8_t> bytes,
                           TimePoint at) {
   if (bytes.size() != 3 || bytes[0] != kTestStatus) return;
   const std::uint32_t packed = bytes[0] | bytes[1] << 8 | bytes[2] << 16;
   std::lock_guard lock(m_mutex);
   if (!m_recording) return;
-  m_sends[packed].push_back({at, Index(m_outputs, port), {}});
+  m_sends[packed].push_back({at, port, {}});
 }
 
-void CLoopLatency::OnArrived(const std::wstring& port, std::uint32_t packed, TimePoint at) {
+void CLoopLatency::OnArrived(std::int32_t input, std::uint32_t packed, TimePoint at) {
   if ((packed & 0xFF) != kTestStatus) return;
   std::lock_guard lock(m_mutex);
   if (!m_recording) return;
-  const std::size_t input = Index(m_inputs, port);
+  std::size_t& duplicates = m_duplicates[input];  // every input that heard the test is reported
   auto sends = m_sends.find(packed & 0xFFFFFF);
   if (sends != m_sends.end()) {
     for (Send& send : sends->second) {
@@ -74,7 +67,7 @@ void CLoopLatency::OnArrived(const std::wstring& port, std::uint32_t packed, Tim
       return;
     }
   }
-  ++m_duplicates[input];
+  ++duplicates;
 }
 
 CLoopLatency::Summary CLoopLatency::Summarise(std::vector<double> latenciesUs) {
@@ -117,28 +110,25 @@ std::string LatencyHistogram(const std::vector<double>& latenciesUs) {
   return text;
 }
 
-std::string CLoopLatency::Report() const {
+std::string CLoopLatency::Report(const PortNames& names) const {
   std::lock_guard lock(m_mutex);
   std::string text;
   for (const auto& [ports, latencies] : m_latencies) {
     const Summary s = Summarise(latencies);
-    text += "round trip " + WideToNarrow(m_outputs[ports.first]) + " -> " +
-            WideToNarrow(m_inputs[ports.second]) + ": " + std::to_string(s.count) +
+    text += "round trip " + WideToNarrow(names.output(ports.first)) + " -> " +
+            WideToNarrow(names.input(ports.second)) + ": " + std::to_string(s.count) +
             " test messages\n  min " + Milliseconds(s.min) + "  median " +
             Milliseconds(s.median) + "  p99 " + Milliseconds(s.p99) + "  max " +
             Milliseconds(s.max) + "\n" + LatencyHistogram(latencies);
   }
-  std::vector<std::size_t> lost(m_outputs.size());
+  std::map<std::int32_t, std::size_t> lost;
   for (const auto& [packed, sends] : m_sends)
-    for (const Send& send : sends)
-      if (send.matched.empty()) ++lost[send.output];
-  for (std::size_t i = 0; i < m_outputs.size(); ++i)
-    text += "lost at " + WideToNarrow(m_outputs[i]) + ": " + std::to_string(lost[i]) + "\n";
-  for (std::size_t i = 0; i < m_inputs.size(); ++i) {
-    const auto found = m_duplicates.find(i);
-    text += "duplicated at " + WideToNarrow(m_inputs[i]) + ": " +
-            std::to_string(found == m_duplicates.end() ? 0 : found->second) + "\n";
-  }
+    for (const Send& send : sends) lost[send.output] += send.matched.empty() ? 1u : 0u;
+  for (const auto& [output, count] : lost)
+    text += "lost at " + WideToNarrow(names.output(output)) + ": " + std::to_string(count) + "\n";
+  for (const auto& [input, count] : m_duplicates)
+    text += "duplicated at " + WideToNarrow(names.input(input)) + ": " + std::to_string(count) +
+            "\n";
   if (text.empty()) text = "no test message went out\n";
   return text;
 }

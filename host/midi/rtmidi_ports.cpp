@@ -377,6 +377,8 @@ HRESULT CRtMidiPorts::Send(MidiPortHandle handle, std::span<const std::uint8_t> 
     ++output.failed;
     return E_FAIL;
   }
+  // Told once the server's client has the message: it can come back a server cycle later at
+  // the soonest, long after this.
   m_sends.OnPortSend(static_cast<std::int32_t>(handle - 1), bytes);
   return S_OK;
 }

@@ -146,21 +146,24 @@ std::uint32_t Packed(std::uint8_t number) { return 0xB0u | number << 8; }
 
 TEST(LoopLatency, EachReturnMatchesItsSendPerInputAndTheRestAreLostOrDuplicated) {
   CLoopLatency latency;
+  constexpr std::int32_t kOut = 0, kInA = 1000, kInB = 1001;
   const TimePoint t0{};
-  latency.OnSent(L"Out", TestMessage(1), t0);  // before the test: not recorded
+  latency.OnSent(kOut, TestMessage(1), t0);  // before the test: not recorded
   latency.Begin();
-  latency.OnSent(L"Out", TestMessage(1), t0);
-  latency.OnSent(L"Out", TestMessage(2), t0 + 1ms);
-  latency.OnSent(L"Out", TestMessage(3), t0 + 2ms);  // never comes back
-  latency.OnSent(L"Out", std::vector<std::uint8_t>{0x90, 60, 100}, t0);  // no test message
+  latency.OnSent(kOut, TestMessage(1), t0);
+  latency.OnSent(kOut, TestMessage(2), t0 + 1ms);
+  latency.OnSent(kOut, TestMessage(3), t0 + 2ms);  // never comes back
+  latency.OnSent(kOut, std::vector<std::uint8_t>{0x90, 60, 100}, t0);  // no test message
   // Fanned out to two inputs: each input may see each send once.
-  latency.OnArrived(L"In A", Packed(1), t0 + 3ms);
-  latency.OnArrived(L"In B", Packed(1), t0 + 4ms);
-  latency.OnArrived(L"In A", Packed(2), t0 + 3ms);
-  latency.OnArrived(L"In A", Packed(2), t0 + 5ms);  // a second time at the same input
-  latency.OnArrived(L"In B", Packed(9), t0 + 5ms);  // never sent
+  latency.OnArrived(kInA, Packed(1), t0 + 3ms);
+  latency.OnArrived(kInB, Packed(1), t0 + 4ms);
+  latency.OnArrived(kInA, Packed(2), t0 + 3ms);
+  latency.OnArrived(kInA, Packed(2), t0 + 5ms);  // a second time at the same input
+  latency.OnArrived(kInB, Packed(9), t0 + 5ms);  // never sent
 
-  const std::string report = latency.Report();
+  const std::string report =
+      latency.Report({[](std::int32_t) { return std::wstring(L"Out"); },
+                      [](std::int32_t id) { return std::wstring(id == kInA ? L"In A" : L"In B"); }});
   EXPECT_NE(report.find("round trip Out -> In A: 2 test messages\n"
                         "  min 2.000 ms  median 2.000 ms  p99 3.000 ms  max 3.000 ms\n"),
             std::string::npos)
