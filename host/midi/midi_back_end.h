@@ -14,8 +14,8 @@
 
 class CMidiPortListener {
  public:
-  // [the sender's thread] One message or one whole sysex block went out at `port`, a number the
-  // back end names through SentPortName.
+  // [the sender's thread] One message or one whole sysex block goes out at `port`, a number the
+  // back end names through SentPortName; told before it can come back anywhere.
   virtual void OnPortSend(std::int32_t port, std::span<const std::uint8_t> bytes) = 0;
 
  protected:

@@ -371,15 +371,15 @@ HRESULT CRtMidiPorts::Send(MidiPortHandle handle, std::span<const std::uint8_t> 
     ++output.refused;
     return E_FAIL;
   }
+  // Told before the server's client has it, so that whoever watches knows of the message
+  // before it can come back; a send the server then refuses is among the faults.
+  m_sends.OnPortSend(static_cast<std::int32_t>(handle - 1), bytes);
   output.error.clear();
   output.port->sendMessage(bytes.data(), bytes.size());
   if (!output.error.empty()) {
     ++output.failed;
     return E_FAIL;
   }
-  // Told once the server's client has the message: it can come back a server cycle later at
-  // the soonest, long after this.
-  m_sends.OnPortSend(static_cast<std::int32_t>(handle - 1), bytes);
   return S_OK;
 }
 

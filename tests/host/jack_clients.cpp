@@ -14,6 +14,7 @@ CBackground::CBackground(const std::string& command, const std::filesystem::path
   const std::string line = "exec " + command + " >'" + output.string() + "' 2>&1";
   m_pid = fork();
   if (m_pid == 0) {
+    setpgid(0, 0);                     // a group of its own, so that a pipeline ends whole
     prctl(PR_SET_PDEATHSIG, SIGTERM);  // never outlives the test
     execl("/bin/sh", "sh", "-c", line.c_str(), static_cast<char*>(nullptr));
     _exit(127);
@@ -22,7 +23,7 @@ CBackground::CBackground(const std::string& command, const std::filesystem::path
 
 void CBackground::Stop() {
   if (m_pid <= 0) return;
-  kill(m_pid, SIGTERM);
+  kill(-m_pid, SIGTERM);
   int status = 0;
   for (int i = 0; i < 100; ++i) {
     if (waitpid(m_pid, &status, WNOHANG) == m_pid) {
@@ -31,7 +32,7 @@ void CBackground::Stop() {
     }
     std::this_thread::sleep_for(std::chrono::milliseconds(10));
   }
-  kill(m_pid, SIGKILL);
+  kill(-m_pid, SIGKILL);
   waitpid(m_pid, &status, 0);
   m_pid = -1;
 }

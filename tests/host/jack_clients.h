@@ -18,7 +18,8 @@ class CBackground {
   CBackground(const CBackground&) = delete;
   CBackground& operator=(const CBackground&) = delete;
 
-  // Ends the program (SIGTERM, then SIGKILL after a second) and waits for it.
+  // Ends the program and whatever it started (SIGTERM, then SIGKILL after a second) and waits
+  // for it.
   void Stop();
 
  private:
