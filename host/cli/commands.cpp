@@ -421,6 +421,7 @@ int TestCommand(const TestOptions& options) {
   auto rack = LoadRack(options.rack);
   if (!rack) return 1;
   ApplyBackEnds(options.backEnds, rack->settings);
+  CLoopLatency latency;  // before the session, whose threads report to it until they end
   std::string error;
   auto session =
       CMidiSession::Open(SessionOptions(options.backEnds, rack->settings, false), error);
@@ -428,7 +429,6 @@ int TestCommand(const TestOptions& options) {
     Report(error);
     return 1;
   }
-  CLoopLatency latency;
   if (options.report) session->Observe(&latency);
   CErrors errors;
   bool passed = false;

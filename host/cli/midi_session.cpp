@@ -33,7 +33,8 @@ std::unique_ptr<CMidiSession> CMidiSession::Open(const MidiSessionOptions& optio
 }
 
 void CMidiSession::OnPortSend(std::int32_t port, std::span<const std::uint8_t> bytes) {
-  if (m_latency) m_latency->OnSent(port, bytes, std::chrono::steady_clock::now());
+  if (CLoopLatency* latency = m_latency)
+    latency->OnSent(port, bytes, std::chrono::steady_clock::now());
   m_traffic.OnPortSend(port, bytes);
 }
 
@@ -51,13 +52,15 @@ void CMidiSession::OnSent(const PortMessage& message) {
 }
 
 std::string CMidiSession::LatencyReport() const {
-  if (!m_latency) return {};
-  return m_latency->Report({[this](std::int32_t port) { return m_ports->SentPortName(port); },
+  const CLoopLatency* latency = m_latency;
+  if (!latency) return {};
+  return latency->Report({[this](std::int32_t port) { return m_ports->SentPortName(port); },
                             [this](std::int32_t id) { return m_ports->InputPortName(id); }});
 }
 
 void CMidiSession::OnArrived(const MidiArrival& arrival) {
-  if (m_latency) m_latency->OnArrived(arrival.inputId, arrival.packed, arrival.time);
+  if (CLoopLatency* latency = m_latency)
+    latency->OnArrived(arrival.inputId, arrival.packed, arrival.time);
   Route(arrival.inputId, arrival.packed);
 }
 

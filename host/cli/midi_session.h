@@ -4,6 +4,7 @@
 // after Close nothing more is delivered.
 #pragma once
 
+#include <atomic>
 #include <chrono>
 #include <cstdint>
 #include <memory>
@@ -38,7 +39,7 @@ class CMidiSession final : public CMidiPortListener {
   // [any thread] The ports the instances are given.
   CMidiBackEnd& Ports() { return *m_ports; }
   // [host thread, before OpenTo] Test messages going out and coming back are handed to
-  // `latency` as well.
+  // `latency` as well, which must outlive the session.
   void Observe(CLoopLatency* latency) { m_latency = latency; }
   // [host thread] Delivers what was held, then every message as it arrives.
   void OpenTo(CLiveRack& live);
@@ -62,7 +63,7 @@ class CMidiSession final : public CMidiPortListener {
   void Route(std::int32_t inputId, std::uint32_t packed);
 
   const MidiSessionOptions m_options;
-  CLoopLatency* m_latency = nullptr;
+  std::atomic<CLoopLatency*> m_latency{nullptr};  // read on the back end's threads
   std::mutex m_routeMutex;
   CLiveRack* m_live = nullptr;
   bool m_closed = false;

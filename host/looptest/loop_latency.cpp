@@ -45,7 +45,8 @@ void CLoopLatency::Begin() {
 void CLoopLatency::OnSent(std::int32_t port, std::span<const std::uint8_t> bytes,
                           TimePoint at) {
   if (bytes.size() != 3 || bytes[0] != kTestStatus) return;
-  const std::uint32_t packed = bytes[0] | bytes[1] << 8 | bytes[2] << 16;
+  const std::uint32_t packed = bytes[0] | static_cast<std::uint32_t>(bytes[1]) << 8 |
+                               static_cast<std::uint32_t>(bytes[2]) << 16;
   std::lock_guard lock(m_mutex);
   if (!m_recording) return;
   m_sends[packed].push_back({at, port, {}});

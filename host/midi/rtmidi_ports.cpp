@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <chrono>
-#include <ctime>
 
 #include "host/midi/message_ring.h"
 #include "platform/codepage.h"
@@ -167,11 +166,12 @@ bool CRtMidiPorts::OpenOwnPorts(std::string& error) {
     for (std::int32_t i = 0; i < m_options.ownPorts; ++i) {
       auto output = std::make_unique<Output>();
       output->own = true;
-      output->port = std::make_unique<RtMidiOut>(api, ClientName("out", static_cast<std::size_t>(i) + 1));
+      const auto number = static_cast<std::size_t>(i) + 1;
+      output->port = std::make_unique<RtMidiOut>(api, ClientName("out", number));
       output->port->setErrorCallback(KeepError, &output->error);
       output->port->openVirtualPort("out");
       auto input = std::make_unique<Input>("", 0, true, m_options.ringBytes, m_wake);
-      input->port = std::make_unique<RtMidiIn>(api, ClientName("in", static_cast<std::size_t>(i) + 1));
+      input->port = std::make_unique<RtMidiIn>(api, ClientName("in", number));
       input->port->setErrorCallback(KeepError, &input->error);
       input->port->ignoreTypes(true, false, true);
       input->port->setCallback(Input::OnMessage, input.get());
@@ -312,7 +312,8 @@ CRtMidiPorts::Output* CRtMidiPorts::OutputFor(const Entry& entry) {
   output->id = entry.id;
   output->own = false;
   try {
-    output->port = std::make_unique<RtMidiOut>(ApiOf(m_options.server), ClientName("send", ++m_clients));
+    output->port =
+        std::make_unique<RtMidiOut>(ApiOf(m_options.server), ClientName("send", ++m_clients));
     output->port->setErrorCallback(KeepError, &output->error);
     // The new client's own list, in which the target may stand elsewhere than in ours.
     const unsigned count = output->port->getPortCount();
@@ -412,7 +413,8 @@ CRtMidiPorts::Input* CRtMidiPorts::InputFor(const Entry& entry) {
   auto input =
       std::make_unique<Input>(entry.name, entry.id, false, m_options.ringBytes, m_wake);
   try {
-    input->port = std::make_unique<RtMidiIn>(ApiOf(m_options.server), ClientName("receive", ++m_clients));
+    input->port =
+        std::make_unique<RtMidiIn>(ApiOf(m_options.server), ClientName("receive", ++m_clients));
     input->port->setErrorCallback(KeepError, &input->error);
     input->port->ignoreTypes(true, false, true);
     input->port->setCallback(Input::OnMessage, input.get());

@@ -66,7 +66,8 @@ class CRtMidiPorts final : public CMidiBackEnd {
   HRESULT STDMETHODCALLTYPE GetInputPortName(std::int32_t index, wchar_t* name,
                                              std::uint32_t capacity) override;
   std::int32_t STDMETHODCALLTYPE GetOutputPortCount() override;
-  HRESULT STDMETHODCALLTYPE GetOutputPortHandle(std::int32_t index, MidiPortHandle* handle) override;
+  HRESULT STDMETHODCALLTYPE GetOutputPortHandle(std::int32_t index,
+                                                MidiPortHandle* handle) override;
   HRESULT STDMETHODCALLTYPE GetOutputPortName(std::int32_t index, wchar_t* name,
                                               std::uint32_t capacity) override;
   HRESULT STDMETHODCALLTYPE SendShortMsg(MidiPortHandle handle, std::uint32_t message) override;

@@ -168,8 +168,9 @@ TEST_F(JackTest, MidiClockAt120BeatsAMinuteComes48ASecond) {
 
 TEST_F(JackTest, ATimebaseMastersTempoRulesTheMidiClock) {
   // jack_transport as timebase master at 90 beats a minute; the command line says 120.
-  CBackground transport("sh -c \"(printf 'master\\ntempo 90\\nplay\\n'; sleep 60) | jack_transport\"",
-                        m_host.File("transport.log"));
+  CBackground transport(
+      "sh -c \"(printf 'master\\ntempo 90\\nplay\\n'; sleep 60) | jack_transport\"",
+      m_host.File("transport.log"));
   std::this_thread::sleep_for(500ms);
   ClockRun(7);
   transport.Stop();

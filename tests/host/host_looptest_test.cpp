@@ -142,7 +142,9 @@ TEST_F(LoopRunnerTest, WithNoActiveOutputThereIsNothingToTest) {
 using TimePoint = CLoopLatency::TimePoint;
 
 std::vector<std::uint8_t> TestMessage(std::uint8_t number) { return {0xB0, number, 0}; }
-std::uint32_t Packed(std::uint8_t number) { return 0xB0u | number << 8; }
+std::uint32_t Packed(std::uint8_t number) {
+  return 0xB0u | static_cast<std::uint32_t>(number) << 8;
+}
 
 TEST(LoopLatency, EachReturnMatchesItsSendPerInputAndTheRestAreLostOrDuplicated) {
   CLoopLatency latency;
@@ -161,9 +163,9 @@ TEST(LoopLatency, EachReturnMatchesItsSendPerInputAndTheRestAreLostOrDuplicated)
   latency.OnArrived(kInA, Packed(2), t0 + 5ms);  // a second time at the same input
   latency.OnArrived(kInB, Packed(9), t0 + 5ms);  // never sent
 
-  const std::string report =
-      latency.Report({[](std::int32_t) { return std::wstring(L"Out"); },
-                      [](std::int32_t id) { return std::wstring(id == kInA ? L"In A" : L"In B"); }});
+  const std::string report = latency.Report(
+      {[](std::int32_t) { return std::wstring(L"Out"); },
+       [](std::int32_t id) { return std::wstring(id == kInA ? L"In A" : L"In B"); }});
   EXPECT_NE(report.find("round trip Out -> In A: 2 test messages\n"
                         "  min 2.000 ms  median 2.000 ms  p99 3.000 ms  max 3.000 ms\n"),
             std::string::npos)

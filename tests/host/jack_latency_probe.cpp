@@ -82,11 +82,12 @@ std::int64_t Rank(const std::vector<std::int64_t>& sorted, double share) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  if (argc < 2 || std::atoi(argv[1]) <= 0 || static_cast<std::uint32_t>(std::atoi(argv[1])) > kMaxCount) {
+  const int count = argc < 2 ? 0 : std::atoi(argv[1]);
+  if (count <= 0 || static_cast<std::uint32_t>(count) > kMaxCount) {
     std::fprintf(stderr, "usage: jack_latency_probe COUNT (1 to %u) [NAME]\n", kMaxCount);
     return 2;
   }
-  Probe probe(static_cast<std::uint32_t>(std::atoi(argv[1])));
+  Probe probe(static_cast<std::uint32_t>(count));
   const std::string name = argc > 2 ? argv[2] : "latency-probe";
   probe.client = jack_client_open(name.c_str(), JackNoStartServer, nullptr);
   if (!probe.client) {
@@ -120,7 +121,9 @@ int main(int argc, char** argv) {
               probe.count - static_cast<std::uint32_t>(latencies.size()), probe.duplicated.load());
   if (latencies.empty()) return 1;
   std::sort(latencies.begin(), latencies.end());
-  const auto ms = [rate](std::int64_t frames) { return 1000.0 * static_cast<double>(frames) / rate; };
+  const auto ms = [rate](std::int64_t frames) {
+    return 1000.0 * static_cast<double>(frames) / rate;
+  };
   const std::int64_t figures[] = {latencies.front(), Rank(latencies, 0.5), Rank(latencies, 0.99),
                                   latencies.back()};
   std::printf("latency frames: min %lld  median %lld  p99 %lld  max %lld\n",
