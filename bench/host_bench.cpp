@@ -114,7 +114,7 @@ void BM_OfflineDriverThroughInstance(benchmark::State& state) {
 }
 
 // One state holding 100 enabled short stored events, as its instance saved it.
-std::vector<std::uint8_t> StateWithEvents(IHostMidiPorts2* ports) {
+std::vector<std::uint8_t> StateWithEvents(CMidiBackEnd* ports) {
   std::wstring config = L"<Config Schema=\"1\"><MIDIOutputPort Name=\"Virtual Out 1\" ID=\"2000\" />";
   for (int i = 0; i < 100; ++i)
     config += L"<MIDIMsg Name=\"E" + std::to_wstring(i) +

@@ -6,6 +6,21 @@
 #include "host/plugin/synth_catalog.h"
 #include "platform/codepage.h"
 
+namespace {
+
+// --midi, --audio and --client-name, for the commands that run instances.
+void AddBackEndOptions(CLI::App& command, BackEndOptions& options, bool audio) {
+  command.add_option("--midi", options.midi, "MIDI back end instead of the rack's")
+      ->check(CLI::IsMember({"virtual", "jack", "alsa"}));
+  if (audio)
+    command.add_option("--audio", options.audio, "Audio back end instead of the rack's")
+        ->check(CLI::IsMember({"offline", "jack"}));
+  command.add_option("--client-name", options.clientName,
+                     "Name of the host on a JACK server or ALSA sequencer (default tarn-host)");
+}
+
+}  // namespace
+
 int main(int argc, char** argv) {
   CLI::App app{"tarn-host: the reference host for the Tarn soft synth"};
   app.require_subcommand(1);
@@ -23,10 +38,11 @@ int main(int argc, char** argv) {
 
   auto* listCmd = app.add_subcommand("list", "List the registered soft synths");
 
-  int portCount = 2;
-  auto* portsCmd = app.add_subcommand("ports", "List the MIDI ports of the virtual back end");
-  portsCmd->add_option("--count", portCount, "Ports in each direction")
+  PortsOptions ports;
+  auto* portsCmd = app.add_subcommand("ports", "List the MIDI ports of a back end with their ids");
+  portsCmd->add_option("--count", ports.count, "The host's own ports in each direction")
       ->check(CLI::Range(1, 64));
+  AddBackEndOptions(*portsCmd, ports.backEnds, false);
 
   NewOptions fresh;
   auto* newCmd = app.add_subcommand("new", "Write a rack of fresh instances");
@@ -51,6 +67,21 @@ int main(int argc, char** argv) {
       ->check(CLI::Range(0.001, 86400.0));
   runCmd->add_option("--save", run.save, "Save the rack with every instance's state to this file");
   runCmd->add_flag("--quiet", run.quiet, "Do not print the MIDI monitor");
+  AddBackEndOptions(*runCmd, run.backEnds, true);
+
+  TestOptions test;
+  auto* testCmd = app.add_subcommand(
+      "test", "Run the closed-loop wiring test over a rack's instances, whose outputs must be "
+              "wired back to their inputs");
+  testCmd->add_option("rack", test.rack, "The rack file")->required();
+  testCmd->add_option("--runs", test.cleanRuns, "Clean runs to pass before stopping (default 1)")
+      ->check(CLI::Range(1, 1000));
+  testCmd->add_option("--timeout", test.timeout,
+                      "Seconds a run may take before the host presses Stop (default 30)")
+      ->check(CLI::Range(1.0, 86400.0));
+  testCmd->add_flag("--report", test.report,
+                    "Also print each port's round-trip latency, losses and duplicates");
+  AddBackEndOptions(*testCmd, test.backEnds, false);
 
   ConfigOptions config;
   auto* configCmd = app.add_subcommand(
@@ -60,6 +91,7 @@ int main(int argc, char** argv) {
       ->required();
   configCmd->add_option("--set", config.set,
                         "Configuration document to apply; the rack is saved with the result");
+  AddBackEndOptions(*configCmd, config.backEnds, false);
 
   ParamsOptions params;
   auto* paramsCmd = app.add_subcommand(
@@ -69,6 +101,7 @@ int main(int argc, char** argv) {
                         "The instance's number (from 1) or name (default: every instance)");
   paramsCmd->add_option("--set", params.sets,
                         "INDEX=VALUE to set before listing (repeat for each; not saved)");
+  AddBackEndOptions(*paramsCmd, params.backEnds, false);
 
   CLI11_PARSE(app, argc, argv);
   if (!registry.empty()) SetHostRegistryRoot(NarrowToWide(registry));
@@ -76,9 +109,10 @@ int main(int argc, char** argv) {
   if (registerCmd->parsed()) return RegisterCommand(reg);
   if (unregisterCmd->parsed()) return RegisterCommand(unreg);
   if (listCmd->parsed()) return ListCommand();
-  if (portsCmd->parsed()) return PortsCommand(portCount);
+  if (portsCmd->parsed()) return PortsCommand(ports);
   if (newCmd->parsed()) return NewCommand(fresh);
   if (runCmd->parsed()) return RunCommand(run);
+  if (testCmd->parsed()) return TestCommand(test);
   if (configCmd->parsed()) return ConfigCommand(config);
   if (paramsCmd->parsed()) return ParamsCommand(params);
   return 1;

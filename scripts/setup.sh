@@ -9,6 +9,8 @@ packages=(
   clang libclang-rt-14-dev   # libFuzzer targets
   libpugixml-dev             # peer for the XML benchmark only
   libsndfile1-dev nlohmann-json3-dev libcli11-dev   # tarn-host: audio files, racks, commands
+  librtmidi-dev libjack-jackd2-dev   # tarn-host: MIDI on JACK and ALSA, real-time audio
+  jackd2                             # the JACK tests' server and example clients
 )
 
 missing=()

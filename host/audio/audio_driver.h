@@ -5,8 +5,10 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <span>
 #include <string>
+#include <vector>
 
 #include "host/audio/graph_ends.h"
 
@@ -29,4 +31,12 @@ class CAudioDriver {
   // [host thread] After streaming: keeps what was produced; false with `error` set when it
   // cannot be kept (nothing half-written is left behind).
   virtual bool Finish(std::string& error) = 0;
+  // [any thread] The tempo the transport has when something outside the host sets it (a JACK
+  // timebase master); none when the host's own tempo rules.
+  virtual std::optional<double> TransportTempo() const { return std::nullopt; }
+  // [any thread] Likewise the transport's position, in ticks of 480 a quarter.
+  virtual std::optional<std::int32_t> TransportTick() const { return std::nullopt; }
+  // [host thread, after streaming] What went wrong in real time, one line each; the audio a
+  // driver could not keep up with, for example.
+  virtual std::vector<std::string> Faults() const { return {}; }
 };

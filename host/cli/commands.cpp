@@ -14,8 +14,12 @@
 #include <sstream>
 #include <thread>
 
+#include "host/audio/jack_driver.h"
 #include "host/audio/offline_driver.h"
-#include "host/midi/port_traffic.h"
+#include "host/cli/midi_session.h"
+#include "host/looptest/loop_latency.h"
+#include "host/looptest/loop_test_runner.h"
+#include "host/midi/virtual_midi_ports.h"
 #include "host/plugin/synth_catalog.h"
 #include "host/rack/live_rack.h"
 #include "platform/codepage.h"
@@ -153,40 +157,24 @@ bool SaveRack(const std::filesystem::path& path, Rack rack, CLiveRack& live) {
   return true;
 }
 
-// Output N wired back to input N: whole short messages cross as live input to the instances
-// listening there; until Open they are held, after Close dropped.
-class CInputRouting {
- public:
-  // [traffic thread]
-  void Route(const PortMessage& message) {
-    if (message.bytes.empty() || message.bytes.size() > 3 || message.bytes[0] == 0xF0) return;
-    std::uint32_t packed = 0;
-    for (std::size_t i = 0; i < message.bytes.size(); ++i)
-      packed |= static_cast<std::uint32_t>(message.bytes[i]) << (8 * i);
-    std::lock_guard lock(m_mutex);
-    if (m_live) m_live->DeliverInput(message.port, packed);
-    else if (!m_closed) m_held.emplace_back(message.port, packed);
-  }
-  // [host thread] Delivers what was held, then everything as it comes.
-  void Open(CLiveRack& live) {
-    std::lock_guard lock(m_mutex);
-    m_live = &live;
-    for (const auto& [port, packed] : m_held) live.DeliverInput(port, packed);
-    m_held.clear();
-  }
-  // [host thread]
-  void Close() {
-    std::lock_guard lock(m_mutex);
-    m_live = nullptr;
-    m_closed = true;
-  }
+// The back ends asked for on the command line replace the rack's.
+void ApplyBackEnds(const BackEndOptions& options, RackSettings& settings) {
+  if (options.midi) settings.midi = *options.midi;
+  if (options.audio) settings.audio = *options.audio;
+}
 
- private:
-  std::mutex m_mutex;
-  CLiveRack* m_live = nullptr;
-  bool m_closed = false;
-  std::vector<std::pair<std::int32_t, std::uint32_t>> m_held;
-};
+MidiSessionOptions SessionOptions(const BackEndOptions& options, const RackSettings& settings,
+                                  bool monitor) {
+  return {settings.midi, settings.midiPorts, options.clientName, monitor};
+}
+
+// What the MIDI back end saw fail during the run, each counted as an error.
+void ReportFaults(CMidiSession& session, CErrors& errors) {
+  for (const std::string& fault : session.Faults()) {
+    ++errors.count;
+    Report(fault);
+  }
+}
 
 // With a loop length, the transport jumps back to its start each time the audio has played that
 // long; the tick it jumps from follows the tempo.
@@ -204,21 +192,68 @@ CAudioDriver::Progress LoopingTransport(const RunOptions& options, const RackSet
   };
 }
 
-// A rack's instances made and their states loaded with no worker running, so nothing is sent:
-// what `config` and `params` read and change.
-struct CQuietRack {
-  struct CNobody final : CMidiPortListener {
-    void OnPortSend(std::int32_t, std::span<const std::uint8_t>) override {}
+// The tempo follows the transport when something outside the host sets it, from the frame
+// where it changed; and the loop, if any, jumps back.
+CAudioDriver::Progress Transport(const RunOptions& options, const RackSettings& settings,
+                                 const CAudioDriver& driver, CLiveRack& live) {
+  return [loop = LoopingTransport(options, settings, live), &driver, &live](
+             std::int64_t frames) {
+    if (const auto bpm = driver.TransportTempo()) live.Tempo().Change(*bpm, frames);
+    if (loop) loop(frames);
   };
+}
 
-  CQuietRack(const std::filesystem::path& file, const Rack& rack, CErrors& errors)
-      : ports(rack.settings.midiPorts, nobody), live(file, rack.settings, &ports, errors.Sink()) {
+// The audio back end the rack names; the server's rate and period become the rack's. Audio files
+// are checked here, before any instance starts.
+std::unique_ptr<CAudioDriver> OpenAudio(const RunOptions& options, RackSettings& settings,
+                                        std::string& error) {
+  if (settings.audio == "offline") {
+    const OfflineOptions audio{settings.sampleRate, settings.bufferFrames,
+                               options.seconds,     options.input,
+                               options.output,      isatty(STDERR_FILENO) != 0};
+    return COfflineDriver::Open(audio, error);
+  }
+  if (settings.audio != "jack") {
+    error = options.rack.string() + ": there is no audio back end \"" + settings.audio +
+            "\" (offline or jack)";
+    return nullptr;
+  }
+  if (options.input || options.output) {
+    error = "--in and --out are for the offline audio back end; on JACK, wire the host's ports";
+    return nullptr;
+  }
+  auto jack = CJackDriver::Open({options.backEnds.clientName, options.seconds}, error);
+  if (jack) {
+    settings.sampleRate = jack->SampleRate();
+    settings.bufferFrames = jack->PeriodFrames();
+  }
+  return jack;
+}
+
+// A rack's instances made and their states loaded with no worker running, so nothing is sent:
+// what `config` and `params` read and change. The rack's MIDI back end is there, so that its
+// instances find their ports.
+struct CQuietRack {
+  CQuietRack(const std::filesystem::path& file, const Rack& rack,
+             std::unique_ptr<CMidiSession> midi, CErrors& errors)
+      : session(std::move(midi)), live(file, rack.settings, &session->Ports(), errors.Sink()) {
     live.Create(rack.instances);
     live.LoadStates();
   }
+  // Null when the back end cannot be opened (reported).
+  static std::unique_ptr<CQuietRack> Open(const std::filesystem::path& file, Rack& rack,
+                                          const BackEndOptions& backEnds, CErrors& errors) {
+    ApplyBackEnds(backEnds, rack.settings);
+    std::string error;
+    auto session = CMidiSession::Open(SessionOptions(backEnds, rack.settings, false), error);
+    if (!session) {
+      Report(error);
+      return nullptr;
+    }
+    return std::make_unique<CQuietRack>(file, rack, std::move(session), errors);
+  }
 
-  CNobody nobody;
-  CVirtualMidiPorts ports;
+  std::unique_ptr<CMidiSession> session;
   CLiveRack live;
 };
 
@@ -266,11 +301,17 @@ int ListCommand() {
   return 0;
 }
 
-int PortsCommand(int count) {
-  struct : CMidiPortListener {
-    void OnPortSend(std::int32_t, std::span<const std::uint8_t>) override {}
-  } nobody;
-  CVirtualMidiPorts ports(count, nobody);
+int PortsCommand(const PortsOptions& options) {
+  std::string error;
+  auto session = CMidiSession::Open(
+      {options.backEnds.midi.value_or("virtual"), options.count, options.backEnds.clientName,
+       false},
+      error);
+  if (!session) {
+    Report(error);
+    return 1;
+  }
+  CMidiBackEnd& ports = session->Ports();
   for (std::int32_t i = 0; i < ports.GetInputPortCount(); ++i) {
     std::int32_t id = 0;
     ports.GetInputPortId(i, &id);
@@ -318,35 +359,21 @@ int NewCommand(const NewOptions& options) {
 int RunCommand(const RunOptions& options) {
   auto rack = LoadRack(options.rack);
   if (!rack) return 1;
+  ApplyBackEnds(options.backEnds, rack->settings);
   if (options.bpm) rack->settings.beatsPerMinute = *options.bpm;
   CErrors errors;
-  if (rack->settings.midi != "virtual" || rack->settings.audio != "offline") {
-    Report(options.rack.string() + ": back ends \"" + rack->settings.midi + "\" and \"" +
-           rack->settings.audio + "\" are not available; this host has \"virtual\" and \"offline\"");
-    return 1;
-  }
-
-  // Audio files are checked before any instance starts.
-  OfflineOptions audio{rack->settings.sampleRate, rack->settings.bufferFrames, options.seconds,
-                       options.input, options.output, isatty(STDERR_FILENO) != 0};
   std::string error;
-  auto driver = COfflineDriver::Open(audio, error);
+  auto driver = OpenAudio(options, rack->settings, error);
   if (!driver) {
     Report(error);
     return 1;
   }
-
-  // Live input waits until every state is loaded, so that an instance sending on load reaches
-  // a listener that is loaded after it.
-  CInputRouting routing;
-  CVirtualMidiPorts* portsForNames = nullptr;
-  CPortTraffic traffic([&](const PortMessage& message) {
-    if (!options.quiet)
-      std::printf("%s\n", MonitorLine(message, PortName(portsForNames, message.port, true)).c_str());
-    routing.Route(message);
-  });
-  CVirtualMidiPorts ports(rack->settings.midiPorts, traffic);
-  portsForNames = &ports;
+  auto session = CMidiSession::Open(SessionOptions(options.backEnds, rack->settings,
+                                                   !options.quiet), error);
+  if (!session) {
+    Report(error);
+    return 1;
+  }
 
   CHostSource source(driver->Format(), driver->BufferBytes());
   CHostSink sink([&](std::span<const std::uint8_t> bytes, REFERENCE_TIME, REFERENCE_TIME) {
@@ -354,26 +381,30 @@ int RunCommand(const RunOptions& options) {
   });
   bool streamed = false;
   {
-    CLiveRack live(options.rack, rack->settings, &ports, errors.Sink());
+    CLiveRack live(options.rack, rack->settings, &session->Ports(), errors.Sink());
     live.Create(rack->instances);
     if (!live.ConnectAudio(source, sink)) return 1;
     live.Pause(&source, &sink);
     live.LoadStates();  // after Pause, so that the workers send what the states hold
     live.AddEnvelopes();  // after the states, before the first sample
-    routing.Open(live);
+    session->OpenTo(live);
     const auto start = std::chrono::steady_clock::now();
     live.Run(&source, &sink);
-    live.Start(options.startTick);
-    streamed = driver->Stream(source, LoopingTransport(options, rack->settings, live), error);
+    live.Start(driver->TransportTick().value_or(options.startTick));
+    streamed = driver->Stream(source, Transport(options, rack->settings, *driver, live), error);
     if (!streamed) Report(options.rack.string() + ": " + error);
     std::this_thread::sleep_until(start + std::chrono::duration<double>(options.seconds));
     live.StopTransport();
     live.Stop(&source, &sink);
-    traffic.Drain();
-    routing.Close();
+    session->Close();
     std::fflush(stdout);
     PrintSummary(live);
     PrintEnvelopeEnds(live);
+    ReportFaults(*session, errors);
+    for (const std::string& fault : driver->Faults()) {
+      ++errors.count;
+      Report(fault);
+    }
     if (options.save && SaveRack(*options.save, *rack, live))
       std::printf("saved %s\n", options.save->c_str());
     else if (options.save)
@@ -384,6 +415,51 @@ int RunCommand(const RunOptions& options) {
     return 1;
   }
   return streamed && errors.count == 0 ? 0 : 1;
+}
+
+int TestCommand(const TestOptions& options) {
+  auto rack = LoadRack(options.rack);
+  if (!rack) return 1;
+  ApplyBackEnds(options.backEnds, rack->settings);
+  CLoopLatency latency;  // before the session, whose threads report to it until they end
+  std::string error;
+  auto session =
+      CMidiSession::Open(SessionOptions(options.backEnds, rack->settings, false), error);
+  if (!session) {
+    Report(error);
+    return 1;
+  }
+  if (options.report) session->Observe(&latency);
+  CErrors errors;
+  bool passed = false;
+  {
+    CLiveRack live(options.rack, rack->settings, &session->Ports(), errors.Sink());
+    live.Create(rack->instances);
+    // No audio streams: Pause starts the output workers, which is all the test needs, and no
+    // MIDI clock runs to disturb the counts.
+    live.Pause(nullptr, nullptr);
+    live.LoadStates();
+    session->OpenTo(live);
+    CSteadyLoopClock clock;
+    CLoopTestRunner runner(
+        [&live](const std::function<void(IMyFilter*)>& visit) {
+          for (LiveInstance& instance : live.Instances())
+            if (instance.myFilter) visit(instance.myFilter.Get());
+        },
+        clock, {options.cleanRuns, std::chrono::milliseconds(std::llround(options.timeout * 1000))},
+        stdout);
+    runner.OnStatus([&latency](const std::wstring& status) {
+      if (status == kClosedLoopTesting) latency.Begin();
+    });
+    IMyFilter* opener = live.Instances().empty() ? nullptr : live.Instances()[0].myFilter.Get();
+    passed = runner.Run(opener);
+    live.Stop(nullptr, nullptr);
+    session->Close();
+    ReportFaults(*session, errors);
+  }
+  std::printf("%s", session->LatencyReport().c_str());
+  std::printf("%s\n", passed ? "passed" : "failed");
+  return passed && errors.count == 0 ? 0 : 1;
 }
 
 int ConfigCommand(const ConfigOptions& options) {
@@ -401,8 +477,9 @@ int ConfigCommand(const ConfigOptions& options) {
     document = NarrowToWide(text.str());
   }
   CErrors errors;
-  CQuietRack quiet(options.rack, *rack, errors);
-  CLiveRack& live = quiet.live;
+  auto quiet = CQuietRack::Open(options.rack, *rack, options.backEnds, errors);
+  if (!quiet) return 1;
+  CLiveRack& live = quiet->live;
   LiveInstance* instance = FindInstance(live, options.instance);
   if (!instance || !instance->proxy) {
     Report(options.rack.string() + ": no usable instance \"" + options.instance + "\"");
@@ -450,8 +527,9 @@ int ParamsCommand(const ParamsOptions& options) {
   auto rack = LoadRack(options.rack);
   if (!rack) return 1;
   CErrors errors;
-  CQuietRack quiet(options.rack, *rack, errors);
-  CLiveRack& live = quiet.live;
+  auto quiet = CQuietRack::Open(options.rack, *rack, options.backEnds, errors);
+  if (!quiet) return 1;
+  CLiveRack& live = quiet->live;
   std::vector<LiveInstance*> chosen;
   if (options.instance.empty()) {
     for (LiveInstance& instance : live.Instances()) chosen.push_back(&instance);

@@ -17,8 +17,6 @@ int RegisterCommand(const RegisterOptions& options);
 // The registered soft synths: identifier, name and module, one a line.
 int ListCommand();
 
-// The MIDI back end's ports with their stable identifiers.
-int PortsCommand(int count);
 
 struct NewOptions {
   std::filesystem::path rack;
@@ -29,8 +27,23 @@ struct NewOptions {
 // Writes a rack of fresh instances named by `names`, or "Synth 1", "Synth 2", ...
 int NewCommand(const NewOptions& options);
 
+// The back ends a command runs on, when the command line names them instead of the rack.
+struct BackEndOptions {
+  std::optional<std::string> midi;   // "virtual", "jack" or "alsa"
+  std::optional<std::string> audio;  // "offline" or "jack"
+  std::string clientName = "tarn-host";  // on a server: the prefix of the host's client names
+};
+
+struct PortsOptions {
+  BackEndOptions backEnds;
+  std::int32_t count = 2;  // the host's own ports in each direction
+};
+// The MIDI back end's ports with their stable identifiers.
+int PortsCommand(const PortsOptions& options);
+
 struct RunOptions {
   std::filesystem::path rack;
+  BackEndOptions backEnds;
   double seconds = 1.0;
   std::optional<std::filesystem::path> input;
   std::optional<std::filesystem::path> output;
@@ -45,8 +58,21 @@ struct RunOptions {
 // saves the rack when asked.
 int RunCommand(const RunOptions& options);
 
+struct TestOptions {
+  std::filesystem::path rack;
+  BackEndOptions backEnds;
+  std::uint32_t cleanRuns = 1;  // passes wanted before the host presses Stop
+  double timeout = 30;          // seconds a run may take before the host presses Stop
+  bool report = false;          // round-trip latency, losses and duplicates per port
+};
+// Runs the closed-loop wiring test over the rack's instances with real timers, printing each
+// status and the numbers as they move; 0 when the clean runs wanted passed and the outcome is
+// "Finished", 1 otherwise. With `report`, also prints the host's own figures.
+int TestCommand(const TestOptions& options);
+
 struct ConfigOptions {
   std::filesystem::path rack;
+  BackEndOptions backEnds;
   std::string instance;  // a 1-based number or a name
   std::optional<std::filesystem::path> set;
 };
@@ -56,6 +82,7 @@ int ConfigCommand(const ConfigOptions& options);
 
 struct ParamsOptions {
   std::filesystem::path rack;
+  BackEndOptions backEnds;
   std::string instance;           // a 1-based number or a name; empty: every instance
   std::vector<std::string> sets;  // "INDEX=VALUE", applied in order before printing
 };

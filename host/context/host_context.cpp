@@ -13,16 +13,17 @@ std::int32_t Clamped(double value) {
 
 }  // namespace
 
-ComPtr<CHostContext> CHostContext::Create(const HostTiming& timing, IHostMidiPorts2* ports) {
-  return ComPtr<CHostContext>(new CHostContext(timing, ports));
+ComPtr<CHostContext> CHostContext::Create(std::shared_ptr<const CHostTempo> tempo,
+                                          CMidiBackEnd* ports) {
+  return ComPtr<CHostContext>(new CHostContext(std::move(tempo), ports));
 }
 
 std::int32_t CHostContext::TicksToMsecs(std::int32_t ticks) {
-  return Clamped(ticks * 60000.0 / (m_timing.beatsPerMinute * HostTiming::kTicksPerQuarter));
+  return Clamped(ticks * 60000.0 / (m_tempo->BeatsPerMinute() * HostTiming::kTicksPerQuarter));
 }
 
 std::int32_t CHostContext::MsecsToTicks(std::int32_t msecs) {
-  return Clamped(msecs * m_timing.beatsPerMinute * HostTiming::kTicksPerQuarter / 60000.0);
+  return Clamped(msecs * m_tempo->BeatsPerMinute() * HostTiming::kTicksPerQuarter / 60000.0);
 }
 
 std::int32_t CHostContext::GetTicksPerQuarter() { return HostTiming::kTicksPerQuarter; }
@@ -34,15 +35,12 @@ HRESULT CHostContext::ConvertTime(HostTimeValue* time, std::uint32_t format) {
   }(format);
   if (!known || (time->format != HostTimeValue::kSamples && time->format != HostTimeValue::kTicks))
     return E_INVALIDARG;
-  const double ticksPerSample = m_timing.beatsPerMinute * HostTiming::kTicksPerQuarter /
-                                (60.0 * m_timing.sampleRate);
   if (time->format == HostTimeValue::kSamples && format == HostTimeValue::kTicks) {
     // Ticks travel in the low 32 bits only.
-    time->value = static_cast<std::uint32_t>(
-        Clamped(static_cast<double>(time->value) * ticksPerSample));
+    time->value = static_cast<std::uint32_t>(Clamped(m_tempo->SamplesToTicks(time->value)));
   } else if (time->format == HostTimeValue::kTicks && format == HostTimeValue::kSamples) {
     const auto ticks = static_cast<std::int32_t>(static_cast<std::uint32_t>(time->value));
-    time->value = static_cast<std::int64_t>(std::llround(ticks / ticksPerSample));
+    time->value = static_cast<std::int64_t>(std::llround(m_tempo->TicksToSamples(ticks)));
   }
   time->format = format;
   return S_OK;
@@ -59,7 +57,7 @@ HRESULT CHostContext::GetInputPortName(std::int32_t index, wchar_t* name, std::u
 }
 std::int32_t CHostContext::GetOutputPortCount() { return m_ports->GetOutputPortCount(); }
 HRESULT CHostContext::GetOutputPortHandle(std::int32_t index, MidiPortHandle* handle) {
-  return m_ports->GetOutputPortHandle(index, handle);
+  return m_ports->OutputHandle(index, Noted(m_outputPortId), handle);
 }
 HRESULT CHostContext::GetOutputPortName(std::int32_t index, wchar_t* name,
                                         std::uint32_t capacity) {
@@ -78,8 +76,14 @@ HRESULT CHostContext::GetInputPortId(std::int32_t index, std::int32_t* id) {
 HRESULT CHostContext::GetOutputPortId(std::int32_t index, std::int32_t* id) {
   return m_ports->GetOutputPortId(index, id);
 }
-HRESULT CHostContext::UseInputPort(std::int32_t id) { return m_ports->UseInputPort(id); }
-HRESULT CHostContext::UseOutputPort(std::int32_t id) { return m_ports->UseOutputPort(id); }
+HRESULT CHostContext::UseInputPort(std::int32_t id) {
+  m_inputPortId = id;
+  return m_ports->UseInputPort(id);
+}
+HRESULT CHostContext::UseOutputPort(std::int32_t id) {
+  m_outputPortId = id;
+  return m_ports->UseOutputPort(id);
+}
 
 HRESULT CHostContext::OnSinkEvent(IMfxInputPort*, const HostEventRecord* record) {
   if (!record) return E_POINTER;
@@ -87,6 +91,14 @@ HRESULT CHostContext::OnSinkEvent(IMfxInputPort*, const HostEventRecord* record)
   m_sink.push_back(record->Message());
   return S_OK;
 }
+
+std::optional<std::int32_t> CHostContext::Noted(const std::atomic<std::int64_t>& id) {
+  const std::int64_t value = id.load();
+  if (value == kNone) return std::nullopt;
+  return static_cast<std::int32_t>(value);
+}
+
+std::optional<std::int32_t> CHostContext::InputPortId() const { return Noted(m_inputPortId); }
 
 std::vector<std::uint32_t> CHostContext::SinkMessages() const {
   std::lock_guard lock(m_sinkMutex);

@@ -5,36 +5,34 @@
 
 #include <atomic>
 #include <cstdint>
+#include <memory>
 #include <mutex>
+#include <optional>
 #include <vector>
 
+#include "host/context/host_tempo.h"
+#include "host/midi/midi_back_end.h"
 #include "interfaces/host_interfaces.h"
-#include "interfaces/host_midi_ports.h"
 #include "platform/com_ptr.h"
-
-// Tempo and rate shared by every instance of a run; fixed before the first Connect.
-struct HostTiming {
-  double beatsPerMinute = 120.0;
-  std::int32_t sampleRate = 48000;
-  static constexpr std::int32_t kTicksPerQuarter = 480;
-};
 
 class CHostContext final
     : public CUnknownImpl<IHostTempoMap, IHostTimeConverter, IHostPinObserver, IHostMidiPorts2,
                           IHostInputSink> {
  public:
-  // [host thread] A context with one reference owned by the caller, passing port calls on to
-  // `ports` (which it holds).
-  static ComPtr<CHostContext> Create(const HostTiming& timing, IHostMidiPorts2* ports);
+  // [host thread] A context with one reference owned by the caller, reading the run's `tempo`
+  // and passing port calls on to `ports` (which it holds).
+  static ComPtr<CHostContext> Create(std::shared_ptr<const CHostTempo> tempo,
+                                     CMidiBackEnd* ports);
 
-  // --- IHostTempoMap: a constant tempo ---------------------------------------------------------
-  // [host thread or streaming thread] Rounded to the nearest unit.
+  // --- IHostTempoMap ---------------------------------------------------------------------------
+  // [host thread or streaming thread] Durations at the tempo in force, rounded to the nearest
+  // unit.
   std::int32_t STDMETHODCALLTYPE TicksToMsecs(std::int32_t ticks) override;
   std::int32_t STDMETHODCALLTYPE MsecsToTicks(std::int32_t msecs) override;
   std::int32_t STDMETHODCALLTYPE GetTicksPerQuarter() override;
 
   // --- IHostTimeConverter ----------------------------------------------------------------------
-  // [host thread or streaming thread] Samples to ticks and back at the run's tempo and rate;
+  // [host thread or streaming thread] Sample positions to ticks and back along the run's tempo;
   // E_POINTER for null, E_INVALIDARG for a format other than samples or ticks.
   HRESULT STDMETHODCALLTYPE ConvertTime(HostTimeValue* time, std::uint32_t format) override;
 
@@ -43,7 +41,8 @@ class CHostContext final
   HRESULT STDMETHODCALLTYPE OnPinCountChange(std::int32_t phase, IUnknown* filter,
                                              std::int32_t count) override;
 
-  // --- IHostMidiPorts2: the back end's ports, unchanged ----------------------------------------
+  // --- IHostMidiPorts2: the back end's ports. The ports the instance announces are noted: live
+  // input goes where it listens, and its handle is found by the id of the output it chose.
   std::int32_t STDMETHODCALLTYPE GetInputPortCount() override;
   HRESULT STDMETHODCALLTYPE Reserved() override { return E_NOTIMPL; }
   HRESULT STDMETHODCALLTYPE GetInputPortName(std::int32_t index, wchar_t* name,
@@ -70,13 +69,20 @@ class CHostContext final
   std::vector<std::uint32_t> SinkMessages() const;
   // [any thread] The output pin count after the last change.
   std::int32_t PinCount() const noexcept { return m_pinCount.load(); }
+  // [any thread] The id of the input port the instance last said it uses, if any: where the
+  // host delivers its live input.
+  std::optional<std::int32_t> InputPortId() const;
 
  private:
-  CHostContext(const HostTiming& timing, IHostMidiPorts2* ports)
-      : m_timing(timing), m_ports(ports) {}
+  CHostContext(std::shared_ptr<const CHostTempo> tempo, CMidiBackEnd* ports)
+      : m_tempo(std::move(tempo)), m_ports(ports) {}
+  static std::optional<std::int32_t> Noted(const std::atomic<std::int64_t>& id);
 
-  const HostTiming m_timing;
-  const ComPtr<IHostMidiPorts2> m_ports;
+  const std::shared_ptr<const CHostTempo> m_tempo;
+  const ComPtr<CMidiBackEnd> m_ports;
+  static constexpr std::int64_t kNone = INT64_MIN;
+  std::atomic<std::int64_t> m_inputPortId{kNone};
+  std::atomic<std::int64_t> m_outputPortId{kNone};
   std::atomic<std::int32_t> m_pinCount{1};
   mutable std::mutex m_sinkMutex;
   std::vector<std::uint32_t> m_sink;

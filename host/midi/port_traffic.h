@@ -13,7 +13,7 @@
 #include <thread>
 #include <vector>
 
-#include "host/midi/virtual_midi_ports.h"
+#include "host/midi/midi_back_end.h"
 
 struct PortMessage {
   std::chrono::steady_clock::duration time;  // since the traffic started
@@ -39,6 +39,8 @@ class CPortTraffic final : public CMidiPortListener {
   void Drain();
   // [any thread] Messages handled so far.
   std::int64_t Handled() const;
+  // [any thread] Where the messages' times count from.
+  std::chrono::steady_clock::time_point Start() const { return m_start; }
 
  private:
   void Deliver();

@@ -10,43 +10,31 @@ std::int32_t IndexOf(MidiPortHandle handle) { return static_cast<std::int32_t>(h
 
 }  // namespace
 
-std::size_t ShortMessageLength(std::uint8_t status) {
-  switch (status & 0xF0) {
-    case 0xC0:
-    case 0xD0: return 2;
-    case 0xF0:
-      if (status == 0xF1 || status == 0xF3) return 2;
-      if (status == 0xF2) return 3;
-      return 1;
-    default: return 3;
-  }
-}
-
 CVirtualMidiPorts::CVirtualMidiPorts(std::int32_t count, CMidiPortListener& listener)
     : m_count(count), m_listener(listener) {}
 
 std::int32_t CVirtualMidiPorts::GetInputPortCount() { return m_count; }
 std::int32_t CVirtualMidiPorts::GetOutputPortCount() { return m_count; }
 
-HRESULT CVirtualMidiPorts::CopyName(const std::wstring& text, wchar_t* name,
-                                    std::uint32_t capacity) {
-  if (!name || capacity == 0) return E_POINTER;
-  const std::size_t n = std::min<std::size_t>(text.size(), capacity - 1);
-  std::wmemcpy(name, text.data(), n);
-  name[n] = L'\0';
-  return S_OK;
+std::wstring CVirtualMidiPorts::SentPortName(std::int32_t port) {
+  return L"Virtual Out " + std::to_wstring(port + 1);
+}
+
+std::wstring CVirtualMidiPorts::InputPortName(std::int32_t id) {
+  const std::int32_t index = id - InputId(0);
+  return ValidIndex(index) ? L"Virtual In " + std::to_wstring(index + 1) : L"?";
 }
 
 HRESULT CVirtualMidiPorts::GetInputPortName(std::int32_t index, wchar_t* name,
                                             std::uint32_t capacity) {
   if (!ValidIndex(index)) return E_INVALIDARG;
-  return CopyName(L"Virtual In " + std::to_wstring(index + 1), name, capacity);
+  return CopyPortName(InputPortName(InputId(index)), name, capacity);
 }
 
 HRESULT CVirtualMidiPorts::GetOutputPortName(std::int32_t index, wchar_t* name,
                                              std::uint32_t capacity) {
   if (!ValidIndex(index)) return E_INVALIDARG;
-  return CopyName(L"Virtual Out " + std::to_wstring(index + 1), name, capacity);
+  return CopyPortName(SentPortName(index), name, capacity);
 }
 
 HRESULT CVirtualMidiPorts::GetOutputPortHandle(std::int32_t index, MidiPortHandle* handle) {
@@ -73,7 +61,7 @@ HRESULT CVirtualMidiPorts::SendSysexMsg(MidiPortHandle handle, const std::uint8_
 
 HRESULT CVirtualMidiPorts::GetInputPortId(std::int32_t index, std::int32_t* id) {
   if (!id) return E_POINTER;
-  *id = 1000 + index;
+  *id = InputId(index);
   return ValidIndex(index) ? S_OK : E_INVALIDARG;
 }
 

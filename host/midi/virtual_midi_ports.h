@@ -2,31 +2,24 @@
 // Each send goes to a listener with the port it was sent on; the host owns the object.
 #pragma once
 
-#include <atomic>
 #include <cstdint>
 #include <span>
 #include <string>
-#include <vector>
 
-#include "interfaces/host_midi_ports.h"
+#include "host/midi/midi_back_end.h"
 
-class CMidiPortListener {
+class CVirtualMidiPorts final : public CMidiBackEnd {
  public:
-  // [the sender's thread] One message or one whole sysex block arrived at output `port`.
-  virtual void OnPortSend(std::int32_t port, std::span<const std::uint8_t> bytes) = 0;
-
- protected:
-  ~CMidiPortListener() = default;
-};
-
-class CVirtualMidiPorts final : public CUnknownImpl<IHostMidiPorts2> {
- public:
-  // Outputs named "Virtual Out 1" ... and inputs "Virtual In 1" ..., `count` of each.
+  // Outputs named "Virtual Out 1" ... and inputs "Virtual In 1" ..., `count` of each. Sends
+  // reach `listener` with the output's index as the port.
   CVirtualMidiPorts(std::int32_t count, CMidiPortListener& listener);
 
+  std::wstring SentPortName(std::int32_t port) override;
+  std::wstring InputPortName(std::int32_t id) override;
+  // The id of input `index`, which is where output `index` is wired back.
+  static std::int32_t InputId(std::int32_t index) { return 1000 + index; }
 
   std::int32_t STDMETHODCALLTYPE GetInputPortCount() override;
-  HRESULT STDMETHODCALLTYPE Reserved() override { return E_NOTIMPL; }
   HRESULT STDMETHODCALLTYPE GetInputPortName(std::int32_t index, wchar_t* name,
                                              std::uint32_t capacity) override;
   std::int32_t STDMETHODCALLTYPE GetOutputPortCount() override;
@@ -42,13 +35,8 @@ class CVirtualMidiPorts final : public CUnknownImpl<IHostMidiPorts2> {
   HRESULT STDMETHODCALLTYPE UseOutputPort(std::int32_t) override { return S_OK; }
 
  private:
-  void LastReleased() override {}  // owned by the host, not by its references
-  static HRESULT CopyName(const std::wstring& text, wchar_t* name, std::uint32_t capacity);
   bool ValidIndex(std::int32_t index) const { return index >= 0 && index < m_count; }
 
   const std::int32_t m_count;
   CMidiPortListener& m_listener;
 };
-
-// The number of data bytes that follow a status byte in a packed short message.
-std::size_t ShortMessageLength(std::uint8_t status);

@@ -38,9 +38,10 @@ std::string ResultText(HRESULT hr) {
 }
 
 CLiveRack::CLiveRack(std::filesystem::path file, const RackSettings& settings,
-                     IHostMidiPorts2* ports, ErrorSink errors)
+                     CMidiBackEnd* ports, ErrorSink errors)
     : m_file(std::move(file)),
-      m_timing{settings.beatsPerMinute, settings.sampleRate},
+      m_tempo(std::make_shared<CHostTempo>(
+          HostTiming{settings.beatsPerMinute, settings.sampleRate})),
       m_ports(ports),
       m_errors(std::move(errors)) {}
 
@@ -88,7 +89,7 @@ bool CLiveRack::Connect(LiveInstance& instance) {
   instance.proxy.QueryFrom(object, IID_IExternalDeviceProxy3);
   instance.params.QueryFrom(object, IID_IMediaParams);
   instance.paramInfo.QueryFrom(object, IID_IMediaParamInfo);
-  instance.context = CHostContext::Create(m_timing, m_ports.Get());
+  instance.context = CHostContext::Create(m_tempo, m_ports.Get());
   // Connect releases one reference of what it is lent, so it is lent one of its own.
   instance.context->AddRef();
   const HRESULT hr = instance.synth->Connect(static_cast<IHostTempoMap*>(instance.context.Get()));
@@ -223,12 +224,9 @@ void CLiveRack::StopTransport() {
   for (LiveInstance& instance : m_instances) instance.synth->OnStop(0);
 }
 
-void CLiveRack::DeliverInput(std::int32_t port, std::uint32_t message) {
+void CLiveRack::DeliverInput(std::int32_t inputId, std::uint32_t message) {
   for (LiveInstance& instance : m_instances) {
-    std::int32_t chosen = -1;
-    if (!instance.myFilter || FAILED(instance.myFilter->GetInputPortIndex(&chosen)) ||
-        chosen != port)
-      continue;
+    if (instance.context->InputPortId() != inputId) continue;
     CHostDataList list({0, message});
     instance.synth->OnInput(0, &list);
   }

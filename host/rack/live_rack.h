@@ -39,7 +39,7 @@ class CLiveRack {
   // [host thread] What the rack reports: one line naming the file and the instance.
   using ErrorSink = std::function<void(const std::string&)>;
 
-  CLiveRack(std::filesystem::path file, const RackSettings& settings, IHostMidiPorts2* ports,
+  CLiveRack(std::filesystem::path file, const RackSettings& settings, CMidiBackEnd* ports,
             ErrorSink errors);
   // Stops, disconnects and releases every instance before their modules go.
   ~CLiveRack();
@@ -67,8 +67,11 @@ class CLiveRack {
   void Loop(std::int32_t from, std::int32_t to);
   void StopTransport();
 
-  // [any thread] Live messages at input `port` to each instance that chose it.
-  void DeliverInput(std::int32_t port, std::uint32_t message);
+  // [any thread] A live message at the input port with id `inputId`, to each instance that said
+  // it uses that port.
+  void DeliverInput(std::int32_t inputId, std::uint32_t message);
+  // [any thread] The run's tempo, which every instance's context reads.
+  CHostTempo& Tempo() { return *m_tempo; }
 
   // [host thread] Replaces the state of each live instance's entry in `entries` (the rack's list,
   // in order) by the bytes its Save writes now; entries that never came to life keep theirs.
@@ -94,8 +97,8 @@ class CLiveRack {
   void Release();
 
   const std::filesystem::path m_file;
-  const HostTiming m_timing;
-  const ComPtr<IHostMidiPorts2> m_ports;
+  const std::shared_ptr<CHostTempo> m_tempo;
+  const ComPtr<CMidiBackEnd> m_ports;
   const ErrorSink m_errors;
   CSynthCatalog m_catalog;  // before the instances, so that modules outlive them
   std::vector<LiveInstance> m_instances;

@@ -263,6 +263,23 @@ TEST_F(HostTest, BrokenRackFilesAreNamedWithTheirFault) {
   EXPECT_EQ(run.err, "tarn-host: rack file absent.json cannot be read\n");
 }
 
+TEST_F(HostTest, ServerBackEndsThatAreNotThereAreNamedBeforeAnythingRuns) {
+  ASSERT_EQ(m_host.Run("new rack.json --count 1").code, 0);
+  HostResult run = m_host.Run("run rack.json --midi jack");
+  if (run.code == 0) GTEST_SKIP() << "a JACK server runs here";
+  EXPECT_NE(run.err.find("tarn-host: no JACK server is running (server \""), std::string::npos)
+      << run.err;
+  EXPECT_EQ(run.out, "");
+  run = m_host.Run("run rack.json --audio jack");
+  EXPECT_EQ(run.code, 1);
+  EXPECT_NE(run.err.find("tarn-host: no JACK server is running"), std::string::npos) << run.err;
+  if (std::filesystem::exists("/dev/snd/seq")) return;  // this machine has a sequencer
+  run = m_host.Run("test rack.json --midi alsa");
+  EXPECT_EQ(run.code, 1);
+  EXPECT_EQ(run.err, "tarn-host: there is no ALSA sequencer on this machine (/dev/snd/seq cannot "
+                     "be opened; is the snd-seq module loaded?)\n");
+}
+
 TEST_F(HostTest, FaultyInstancesAreNamedAndTheOthersStillRunAndKeepTheirPlaceOnSaving) {
   MakeRack("good.json", {{"Lead", SenderConfig(3, 10)}});
   const std::string good = m_host.Read("good.json");

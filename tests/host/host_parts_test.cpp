@@ -1,12 +1,15 @@
 // The host's own parts apart from a run: the context's tempo and time conversion, the sink
-// record, and rack files read back as written or refused with the reason.
+// record, the ring that carries input off the real-time thread, and rack files read back as
+// written or refused with the reason.
 #include <gtest/gtest.h>
 
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <thread>
 
 #include "host/context/host_context.h"
+#include "host/midi/message_ring.h"
 #include "host/midi/virtual_midi_ports.h"
 #include "host/rack/rack_file.h"
 
@@ -22,7 +25,8 @@ class HostContextTest : public ::testing::Test {
  protected:
   CNoListener m_listener;
   CVirtualMidiPorts m_ports{2, m_listener};
-  ComPtr<CHostContext> m_context = CHostContext::Create({120.0, 48000}, &m_ports);
+  ComPtr<CHostContext> m_context = CHostContext::Create(
+      std::make_shared<CHostTempo>(HostTiming{120.0, 48000}), &m_ports);
 };
 
 TEST_F(HostContextTest, TempoMapAndConverterAgreeAtTheRunsTempoAndRate) {
@@ -59,6 +63,83 @@ TEST_F(HostContextTest, AnswersEveryHostInterfaceAndPassesPortsThrough) {
   record.SetMessage(0x00643AB0);
   EXPECT_EQ(m_context->OnSinkEvent(nullptr, &record), S_OK);
   EXPECT_EQ(m_context->SinkMessages(), std::vector<std::uint32_t>{0x00643AB0});
+}
+
+TEST_F(HostContextTest, ATempoChangeGoesOnFromTheTickReachedAndNotesTheInputInUse) {
+  auto tempo = std::make_shared<CHostTempo>(HostTiming{120.0, 48000});
+  ComPtr<CHostContext> context = CHostContext::Create(tempo, &m_ports);
+  tempo->Change(60.0, 48000);  // one second in: tick 960
+  HostTimeValue time{HostTimeValue::kSamples, 0, 96000};
+  ASSERT_EQ(context->ConvertTime(&time, HostTimeValue::kTicks), S_OK);
+  EXPECT_EQ(time.value, 960 + 480);  // then half as fast
+  EXPECT_EQ(context->TicksToMsecs(480), 1000);
+  ASSERT_EQ(context->ConvertTime(&time, HostTimeValue::kSamples), S_OK);
+  EXPECT_EQ(time.value, 96000);
+
+  EXPECT_FALSE(context->InputPortId());
+  context->UseInputPort(1001);
+  EXPECT_EQ(context->InputPortId(), 1001);
+}
+
+std::vector<std::uint8_t> Message(std::size_t length, std::uint8_t first) {
+  std::vector<std::uint8_t> bytes(length);
+  for (std::size_t i = 0; i < length; ++i) bytes[i] = static_cast<std::uint8_t>(first + i);
+  return bytes;
+}
+
+TEST(MessageRing, MessagesComeOutWholeAndInOrderAcrossTheWrap) {
+  CMessageRing ring(64);
+  std::vector<std::uint8_t> out;
+  std::int64_t time = 0;
+  for (std::uint8_t round = 0; round < 20; ++round) {  // 20 x 23 bytes: the ring wraps often
+    ASSERT_TRUE(ring.Push(Message(3, round), round));
+    ASSERT_TRUE(ring.Push(Message(10, round), -round));
+    ASSERT_TRUE(ring.Pop(out, time));
+    EXPECT_EQ(out, Message(3, round));
+    EXPECT_EQ(time, round);
+    ASSERT_TRUE(ring.Pop(out, time));
+    EXPECT_EQ(out, Message(10, round));
+    EXPECT_EQ(time, -round);
+  }
+  EXPECT_FALSE(ring.Pop(out, time));
+  EXPECT_EQ(ring.Dropped(), 0u);
+}
+
+TEST(MessageRing, WhatDoesNotFitIsCountedNotCut) {
+  CMessageRing ring(64);
+  ASSERT_TRUE(ring.Push(Message(40, 0), 1));
+  EXPECT_FALSE(ring.Push(Message(20, 0), 2));  // 30 bytes with its header; 14 are free
+  EXPECT_TRUE(ring.Push(Message(4, 9), 3));
+  EXPECT_FALSE(ring.Push(Message(CMessageRing::kMaxMessage + 1, 0), 4));
+  EXPECT_EQ(ring.Dropped(), 2u);
+  std::vector<std::uint8_t> out;
+  std::int64_t time = 0;
+  ASSERT_TRUE(ring.Pop(out, time));
+  EXPECT_EQ(out.size(), 40u);
+  ASSERT_TRUE(ring.Pop(out, time));
+  EXPECT_EQ(out, Message(4, 9));
+  EXPECT_FALSE(ring.Pop(out, time));
+}
+
+TEST(MessageRing, AProducerAndAConsumerOnTwoThreadsSeeEveryMessageOnce) {
+  CMessageRing ring(256);
+  constexpr std::int64_t kCount = 20000;
+  std::thread producer([&] {
+    for (std::int64_t i = 0; i < kCount;) {
+      const auto length = static_cast<std::size_t>(1 + i % 7);
+      if (ring.Push(Message(length, static_cast<std::uint8_t>(i)), i)) ++i;
+    }
+  });
+  std::vector<std::uint8_t> out;
+  std::int64_t time = 0;
+  for (std::int64_t expected = 0; expected < kCount;) {
+    if (!ring.Pop(out, time)) continue;
+    ASSERT_EQ(time, expected);
+    ASSERT_EQ(out, Message(static_cast<std::size_t>(1 + expected % 7),
+                           static_cast<std::uint8_t>(expected)));
+    ++expected;
+  }
+  producer.join();
 }
 
 class RackFileTest : public ::testing::Test {

@@ -1,6 +1,7 @@
 #include "tests/host/host_runner.h"
 
 #include <sys/wait.h>
+#include <unistd.h>
 
 #include <cctype>
 #include <cstdlib>
@@ -19,14 +20,35 @@ HostRunner::HostRunner() {
 }
 
 HostRunner::~HostRunner() {
+  if (m_started > 0) Wait();
   std::error_code ignored;
   fs::remove_all(m_folder, ignored);
 }
 
+std::string HostRunner::Command(const std::string& arguments) const {
+  return "cd '" + m_folder.string() + "' && exec '" TARN_HOST_FILE "' --registry registry " +
+         arguments + " >stdout.txt 2>stderr.txt";
+}
+
 HostResult HostRunner::Run(const std::string& arguments) const {
-  const std::string command = "cd '" + m_folder.string() + "' && '" TARN_HOST_FILE
-                              "' --registry registry " + arguments + " >stdout.txt 2>stderr.txt";
-  const int status = std::system(command.c_str());
+  const int status = std::system(Command(arguments).c_str());
+  const int code = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+  return {code, Read("stdout.txt"), Read("stderr.txt")};
+}
+
+void HostRunner::Start(const std::string& arguments) {
+  const std::string command = Command(arguments);
+  m_started = fork();
+  if (m_started == 0) {
+    execl("/bin/sh", "sh", "-c", command.c_str(), static_cast<char*>(nullptr));
+    _exit(127);
+  }
+}
+
+HostResult HostRunner::Wait() {
+  int status = 0;
+  if (m_started <= 0 || waitpid(m_started, &status, 0) != m_started) return {-1, "", ""};
+  m_started = -1;
   const int code = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
   return {code, Read("stdout.txt"), Read("stderr.txt")};
 }

@@ -2,6 +2,8 @@
 // module (so that the module's "devices.xml" is the folder's too), and reads what it printed.
 #pragma once
 
+#include <sys/types.h>
+
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -29,13 +31,19 @@ class HostRunner {
 
   // Runs `tarn-host --registry <folder>/registry <arguments>` in the folder.
   HostResult Run(const std::string& arguments) const;
+  // The same in the background: Run's result comes from Wait. One at a time.
+  void Start(const std::string& arguments);
+  HostResult Wait();
   const std::filesystem::path& Folder() const { return m_folder; }
   std::filesystem::path File(const std::string& name) const { return m_folder / name; }
   void Write(const std::string& name, const std::string& text) const;
   std::string Read(const std::string& name) const;
 
  private:
+  std::string Command(const std::string& arguments) const;
+
   std::filesystem::path m_folder;
+  pid_t m_started = -1;
 };
 
 // The monitor lines of `out`, in order.
