@@ -9,6 +9,8 @@ packages=(
   clang libclang-rt-14-dev   # libFuzzer targets
   libpugixml-dev             # peer for the XML benchmark only
   libsndfile1-dev nlohmann-json3-dev libcli11-dev   # tarn-host: audio files, racks, commands
+  qt6-base-dev fonts-dejavu-core   # the editor's drawing and the font its art and tests use
+  xvfb xauth                       # the editor's tests once on a real window system
 )
 
 missing=()
