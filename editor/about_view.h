@@ -29,7 +29,4 @@ class IAboutDialogView : public IModalView {
   // [editor thread] Shows the dialog until EndDialog; answers its result. OK and the close box
   // are reported through `events`.
   virtual int RunModal(IModalEvents& events) = 0;
-
- protected:
-  ~IAboutDialogView() = default;
 };

@@ -67,9 +67,6 @@ class IEventDialogView : public IModalView {
   virtual std::wstring ItemText(int control) const = 0;
   // [editor thread] Puts the caret in the box whose value was refused, its text selected.
   virtual void FocusItem(int control) = 0;
-
- protected:
-  ~IEventDialogView() = default;
 };
 
 class IProgramDialogView : public IEventDialogView {
@@ -81,25 +78,16 @@ class IProgramDialogView : public IEventDialogView {
   virtual ScreenPoint PresetButtonCorner() const = 0;
   // [editor thread] Shows the dialog until EndDialog; answers its result.
   virtual int RunModal(IProgramDialogEvents& events) = 0;
-
- protected:
-  ~IProgramDialogView() = default;
 };
 
 class IControllerDialogView : public IEventDialogView {
  public:
   // [editor thread] Shows the dialog until EndDialog; answers its result.
   virtual int RunModal(IModalEvents& events) = 0;
-
- protected:
-  ~IControllerDialogView() = default;
 };
 
 class IWaitDialogView : public IEventDialogView {
  public:
   // [editor thread] Shows the dialog until EndDialog; answers its result.
   virtual int RunModal(IModalEvents& events) = 0;
-
- protected:
-  ~IWaitDialogView() = default;
 };

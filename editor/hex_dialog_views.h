@@ -71,18 +71,12 @@ class IByteDialogView : public IModalView {
   // [editor thread, before RunModal] Makes the drawn grid over `grid`, which outlives the view,
   // and says whether that worked. The view observes the grid for repaints.
   virtual GridAttachment AttachGrid(CHexGrid& grid) = 0;
-
- protected:
-  ~IByteDialogView() = default;
 };
 
 class IPrefixEditorView : public IByteDialogView {
  public:
   // [editor thread] Shows the dialog until EndDialog; answers its result.
   virtual int RunModal(IByteDialogEvents& events) = 0;
-
- protected:
-  ~IPrefixEditorView() = default;
 };
 
 class IHexEditDialogView : public IByteDialogView {
@@ -94,7 +88,4 @@ class IHexEditDialogView : public IByteDialogView {
   virtual std::wstring Description() const = 0;
   // [editor thread] Shows the dialog until EndDialog; answers its result.
   virtual int RunModal(IHexEditDialogEvents& events) = 0;
-
- protected:
-  ~IHexEditDialogView() = default;
 };

@@ -24,12 +24,11 @@ class IModalEvents {
   ~IModalEvents() = default;
 };
 
+// Views are made by the view factory and owned by the logic that asked for them.
 class IModalView {
  public:
+  virtual ~IModalView() = default;
   // [editor thread, inside RunModal] Ends the dialog: RunModal returns `result` once the
   // report that led here has returned. A dialog may also stay open after OK (a refused value).
   virtual void EndDialog(int result) = 0;
-
- protected:
-  ~IModalView() = default;
 };
