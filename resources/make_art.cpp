@@ -13,7 +13,6 @@
 #include <QtGui/QPainter>
 #include <QtGui/QPainterPath>
 #include <QtGui/QRadialGradient>
-
 #include <cstdio>
 
 namespace {
@@ -45,7 +44,8 @@ void PaintBrushedMetal(QPainter& p, const QRect& area, quint32 seed) {
     for (int x = area.left(); x <= area.right();) {
       const int length = 20 + random.bounded(120);
       const int alpha = random.bounded(14);
-      const QColor streak = random.bounded(2) ? QColor(255, 255, 255, alpha) : QColor(0, 0, 0, alpha);
+      const QColor streak =
+          random.bounded(2) ? QColor(255, 255, 255, alpha) : QColor(0, 0, 0, alpha);
       p.fillRect(QRect(x, y, length, 1), streak);
       x += length;
     }
@@ -358,14 +358,15 @@ int main(int argc, char** argv) {
   const QDir folder(QString::fromLocal8Bit(argv[1]));
   bool ok = Save(Skin(), folder, QStringLiteral("204.png"));
   const WordKey keys[] = {
-      {"Add", 210, 211, 212},      {"Edit", 213, 214, 215}, {"", 216, 217, 218},
-      {"Remove", 219, 220, 221},   {"Send", 222, 223, 225}, {"Send All", 238, 239, 240},
+      {"Add", 210, 211, 212},    {"Edit", 213, 214, 215}, {"", 216, 217, 218},
+      {"Remove", 219, 220, 221}, {"Send", 222, 223, 225}, {"Send All", 238, 239, 240},
       {"Test", 242, 243, 244},
   };
   for (const WordKey& key : keys) {
     const QString word = QString::fromLatin1(key.word);
     ok &= Save(WordFace(word, FaceState::Normal), folder, QStringLiteral("%1.png").arg(key.normal));
-    ok &= Save(WordFace(word, FaceState::Pressed), folder, QStringLiteral("%1.png").arg(key.pressed));
+    ok &=
+        Save(WordFace(word, FaceState::Pressed), folder, QStringLiteral("%1.png").arg(key.pressed));
     ok &= Save(WordFace(word, FaceState::Hover), folder, QStringLiteral("%1.png").arg(key.hover));
   }
   ok &= Save(GlyphFace(Glyph::Arrow, FaceState::Normal), folder, QStringLiteral("207.png"));

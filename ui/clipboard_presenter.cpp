@@ -1,8 +1,8 @@
 #include "ui/clipboard_presenter.h"
 
+#include <QtCore/QMimeData>
 #include <QtGui/QClipboard>
 #include <QtGui/QGuiApplication>
-#include <QtCore/QMimeData>
 
 std::optional<std::string> CQtClipboardPresenter::Text() {
   const QMimeData* data = QGuiApplication::clipboard()->mimeData();
@@ -11,6 +11,6 @@ std::optional<std::string> CQtClipboardPresenter::Text() {
 }
 
 void CQtClipboardPresenter::SetText(const std::string& text) {
-  QGuiApplication::clipboard()->setText(QString::fromLocal8Bit(text.data(),
-                                                               static_cast<qsizetype>(text.size())));
+  QGuiApplication::clipboard()->setText(
+      QString::fromLocal8Bit(text.data(), static_cast<qsizetype>(text.size())));
 }

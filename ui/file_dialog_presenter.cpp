@@ -10,8 +10,8 @@ namespace {
 QString PatternsInBothCases(const QString& patterns) {
   QStringList all;
   for (const QString& pattern : patterns.split(QLatin1Char(';'), Qt::SkipEmptyParts)) {
-    for (const QString& variant : {pattern.trimmed(), pattern.trimmed().toLower(),
-                                   pattern.trimmed().toUpper()}) {
+    for (const QString& variant :
+         {pattern.trimmed(), pattern.trimmed().toLower(), pattern.trimmed().toUpper()}) {
       if (!all.contains(variant)) all.append(variant);
     }
   }
@@ -36,8 +36,8 @@ QString QtNameFilters(const std::wstring& filter) {
 
 std::optional<std::wstring> CQtFileDialogPresenter::Choose(const FileDialogRequest& request) {
   const bool open = request.mode == FileDialogMode::Open;
-  QFileDialog dialog(QApplication::activeWindow(), open ? QStringLiteral("Open")
-                                                        : QStringLiteral("Save As"));
+  QFileDialog dialog(QApplication::activeWindow(),
+                     open ? QStringLiteral("Open") : QStringLiteral("Save As"));
   dialog.setOption(QFileDialog::DontUseNativeDialog);
   dialog.setAcceptMode(open ? QFileDialog::AcceptOpen : QFileDialog::AcceptSave);
   dialog.setFileMode(open ? QFileDialog::ExistingFile : QFileDialog::AnyFile);

@@ -9,7 +9,9 @@
 namespace {
 
 // Where the element that holds `at` begins: the '<' of its tag.
-qsizetype TagStart(const QString& html, qsizetype at) { return html.lastIndexOf(QLatin1Char('<'), at); }
+qsizetype TagStart(const QString& html, qsizetype at) {
+  return html.lastIndexOf(QLatin1Char('<'), at);
+}
 
 // Where the element opened at `start` with `name` ends, after its closing tag; nested elements
 // of the same name are counted. The end of its opening tag for an element that closes itself or
@@ -37,10 +39,9 @@ qsizetype ElementEnd(const QString& html, qsizetype start, const QString& name) 
 
 std::optional<QString> ReplaceHtmlElement(const QString& html, const QString& id,
                                           const QString& text) {
-  const QRegularExpression attribute(
-      QStringLiteral("\\bid\\s*=\\s*(\"%1\"|'%1'|%1(?=[\\s>/]))")
-          .arg(QRegularExpression::escape(id)),
-      QRegularExpression::CaseInsensitiveOption);
+  const QRegularExpression attribute(QStringLiteral("\\bid\\s*=\\s*(\"%1\"|'%1'|%1(?=[\\s>/]))")
+                                         .arg(QRegularExpression::escape(id)),
+                                     QRegularExpression::CaseInsensitiveOption);
   const QRegularExpressionMatch found = attribute.match(html);
   if (!found.hasMatch()) return std::nullopt;
   const qsizetype start = TagStart(html, found.capturedStart());

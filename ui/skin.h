@@ -2,9 +2,9 @@
 // colours, and the style of its menus.
 #pragma once
 
+#include <QtCore/QString>
 #include <QtGui/QColor>
 #include <QtGui/QPixmap>
-#include <QtCore/QString>
 
 // The light colour of the page's text, of the list's text and of its selected rows' background.
 inline QColor LegendColour() { return QColor(0xDF, 0xFE, 0xFF); }

@@ -1,7 +1,6 @@
 #include "ui/timer_presenter.h"
 
 #include <QtCore/QTimerEvent>
-
 #include <limits>
 
 void CQtTimerPresenter::Start(ITimerClient& client, std::uint32_t id, std::uint32_t periodMs) {

@@ -3,7 +3,6 @@
 #pragma once
 
 #include <QtCore/QObject>
-
 #include <map>
 #include <utility>
 
@@ -19,6 +18,6 @@ class CQtTimerPresenter final : public QObject, public CTimerPresenter {
 
  private:
   using Key = std::pair<ITimerClient*, std::uint32_t>;
-  std::map<Key, int> m_byKey;     // to Qt's timer id
+  std::map<Key, int> m_byKey;  // to Qt's timer id
   std::map<int, Key> m_byQtId;
 };
