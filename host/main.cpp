@@ -4,6 +4,7 @@
 
 #include "host/cli/commands.h"
 #include "host/plugin/synth_catalog.h"
+#include "host/window/edit_command.h"
 #include "platform/codepage.h"
 
 int main(int argc, char** argv) {
@@ -70,6 +71,12 @@ int main(int argc, char** argv) {
   paramsCmd->add_option("--set", params.sets,
                         "INDEX=VALUE to set before listing (repeat for each; not saved)");
 
+  EditOptions edit;
+  auto* editCmd = app.add_subcommand(
+      "edit", "Open a rack in a window: each instance's property page, live on the rack's MIDI "
+              "ports; the rack is saved with File > Save and on closing when it changed");
+  editCmd->add_option("rack", edit.rack, "The rack file")->required();
+
   CLI11_PARSE(app, argc, argv);
   if (!registry.empty()) SetHostRegistryRoot(NarrowToWide(registry));
 
@@ -81,5 +88,6 @@ int main(int argc, char** argv) {
   if (runCmd->parsed()) return RunCommand(run);
   if (configCmd->parsed()) return ConfigCommand(config);
   if (paramsCmd->parsed()) return ParamsCommand(params);
+  if (editCmd->parsed()) return EditCommand(edit);
   return 1;
 }

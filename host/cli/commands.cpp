@@ -10,11 +10,11 @@
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
-#include <mutex>
 #include <sstream>
 #include <thread>
 
 #include "host/audio/offline_driver.h"
+#include "host/midi/input_routing.h"
 #include "host/midi/port_traffic.h"
 #include "host/plugin/synth_catalog.h"
 #include "host/rack/live_rack.h"
@@ -152,41 +152,6 @@ bool SaveRack(const std::filesystem::path& path, Rack rack, CLiveRack& live) {
   }
   return true;
 }
-
-// Output N wired back to input N: whole short messages cross as live input to the instances
-// listening there; until Open they are held, after Close dropped.
-class CInputRouting {
- public:
-  // [traffic thread]
-  void Route(const PortMessage& message) {
-    if (message.bytes.empty() || message.bytes.size() > 3 || message.bytes[0] == 0xF0) return;
-    std::uint32_t packed = 0;
-    for (std::size_t i = 0; i < message.bytes.size(); ++i)
-      packed |= static_cast<std::uint32_t>(message.bytes[i]) << (8 * i);
-    std::lock_guard lock(m_mutex);
-    if (m_live) m_live->DeliverInput(message.port, packed);
-    else if (!m_closed) m_held.emplace_back(message.port, packed);
-  }
-  // [host thread] Delivers what was held, then everything as it comes.
-  void Open(CLiveRack& live) {
-    std::lock_guard lock(m_mutex);
-    m_live = &live;
-    for (const auto& [port, packed] : m_held) live.DeliverInput(port, packed);
-    m_held.clear();
-  }
-  // [host thread]
-  void Close() {
-    std::lock_guard lock(m_mutex);
-    m_live = nullptr;
-    m_closed = true;
-  }
-
- private:
-  std::mutex m_mutex;
-  CLiveRack* m_live = nullptr;
-  bool m_closed = false;
-  std::vector<std::pair<std::int32_t, std::uint32_t>> m_held;
-};
 
 // With a loop length, the transport jumps back to its start each time the audio has played that
 // long; the tick it jumps from follows the tempo.

@@ -1,0 +1,108 @@
+#include "host/window/edit_session.h"
+
+#include "interfaces/ole_interfaces.h"
+
+namespace {
+
+// The monitor keeps this many lines for a window that has not come to take them.
+constexpr std::size_t kMonitorLimit = 2000;
+
+std::wstring OutputName(IHostMidiPorts* ports, std::int32_t index) {
+  wchar_t name[kPortNameCapacity] = {};
+  return SUCCEEDED(ports->GetOutputPortName(index, name, kPortNameCapacity)) ? name : L"?";
+}
+
+}  // namespace
+
+std::unique_ptr<CEditSession> CEditSession::Open(const std::filesystem::path& file,
+                                                 CLiveRack::ErrorSink errors, std::string& error) {
+  auto rack = LoadRackFile(file, error);
+  if (!rack) return nullptr;
+  if (rack->settings.midi != "virtual") {
+    error = file.string() + ": MIDI back end \"" + rack->settings.midi +
+            "\" is not available; this host has \"virtual\"";
+    return nullptr;
+  }
+  return std::unique_ptr<CEditSession>(new CEditSession(file, std::move(*rack), std::move(errors)));
+}
+
+// Paused, each instance's worker runs and its state's events go out as it loads; nothing
+// streams audio, as the window plays none.
+CEditSession::CEditSession(std::filesystem::path file, Rack rack, CLiveRack::ErrorSink errors)
+    : m_file(std::move(file)), m_rack(std::move(rack)) {
+  m_traffic = std::make_unique<CPortTraffic>([this](const PortMessage& m) { OnTraffic(m); });
+  m_ports = std::make_unique<CVirtualMidiPorts>(m_rack.settings.midiPorts, *m_traffic);
+  m_live = std::make_unique<CLiveRack>(m_file, m_rack.settings, m_ports.get(), std::move(errors));
+  m_live->Create(m_rack.instances);
+  m_live->Pause(nullptr, nullptr);
+  m_live->LoadStates();
+  m_routing.Open(*m_live);
+}
+
+CEditSession::~CEditSession() {
+  m_routing.Close();
+  m_live.reset();
+  m_ports.reset();
+  m_traffic.reset();
+}
+
+void CEditSession::OnTraffic(const PortMessage& message) {
+  m_routing.Route(message);
+  const std::string line = MonitorLine(message, OutputName(m_ports.get(), message.port));
+  std::lock_guard lock(m_monitorMutex);
+  m_monitor.push_back(line);
+  if (m_monitor.size() > kMonitorLimit) m_monitor.pop_front();
+}
+
+std::vector<std::string> CEditSession::TakeMonitorLines() {
+  std::lock_guard lock(m_monitorMutex);
+  std::vector<std::string> lines(m_monitor.begin(), m_monitor.end());
+  m_monitor.clear();
+  return lines;
+}
+
+std::vector<std::wstring> CEditSession::OutputPortNames() {
+  std::vector<std::wstring> names;
+  for (std::int32_t i = 0; i < m_ports->GetOutputPortCount(); ++i)
+    names.push_back(OutputName(m_ports.get(), i));
+  return names;
+}
+
+ComPtr<IPropertyPage> CEditSession::CreatePage(LiveInstance& instance, std::string& error) {
+  ComPtr<ISpecifyPropertyPages> specify;
+  CAUUID pages{0, nullptr};
+  if (FAILED(specify.QueryFrom(instance.object.Get(), IID_ISpecifyPropertyPages)) ||
+      FAILED(specify->GetPages(&pages)) || pages.cElems == 0) {
+    CoTaskMemFree(pages.pElems);
+    error = m_live->Where(instance) + "it has no property page";
+    return nullptr;
+  }
+  const CLSID pageClass = pages.pElems[0];
+  CoTaskMemFree(pages.pElems);
+  ComPtr<IUnknown> object =
+      ComPtr<IUnknown>::Attach(m_live->Catalog().CreateServed(pageClass, error));
+  ComPtr<IPropertyPage> page;
+  if (object && FAILED(page.QueryFrom(object.Get(), IID_IPropertyPage)))
+    error = m_live->Where(instance) + "its page offers no IPropertyPage";
+  if (!object) error = m_live->Where(instance) + error;
+  return page;
+}
+
+bool CEditSession::Changed() {
+  std::vector<RackInstance> now = m_rack.instances;
+  m_live->Snapshot(now);
+  for (std::size_t i = 0; i < now.size(); ++i)
+    if (now[i].state != m_rack.instances[i].state) return true;
+  return false;
+}
+
+bool CEditSession::Save(std::string& error) {
+  Rack saved = m_rack;
+  if (!m_live->Snapshot(saved.instances)) {
+    error = m_file.string() + ": a state cannot be saved";
+    return false;
+  }
+  if (!SaveRackFile(m_file, saved, error)) return false;
+  m_rack = std::move(saved);
+  return true;
+}
