@@ -22,8 +22,8 @@ class CAboutDlg final : private IModalEvents, private IHtmlViewEvents {
   // The same with the folder to look in and the module to read the version of given.
   CAboutDlg(ParentWindow parent, std::wstring hostFolder, std::wstring modulePath);
 
-  // [editor thread] Shows the box; kDialogOk when it was closed, kDialogCancel at once when no
-  // view can be made.
+  // [editor thread] Shows the box until OK (kDialogOk) or the close box (kDialogCancel);
+  // kDialogCancel at once when no view can be made.
   int Run();
 
   // The text the box shows for a version: "%d.%d build %d" of the first three numbers.

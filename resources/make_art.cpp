@@ -1,6 +1,7 @@
 // Draws the editor's art, each picture under its resource number: the page's skin (204), the
 // faces of its keys (205 to 225, 238 to 244), the meter strips (245, 248) and the About picture
-// (234, and the same as ABOUTBOX.jpg for the About page). The look is a rack unit's front panel:
+// (image 234 as about_234.bmp, whose size sets the About box's, and the same picture as
+// ABOUTBOX.jpg, the About page's background). The look is a rack unit's front panel:
 // dark anodised metal, recessed display windows, engraved legends in the page's light colour.
 // Run by make-art.sh; what it writes is committed beside it, so the build needs none of this.
 #include <QtCore/QDir>
@@ -314,30 +315,31 @@ QImage MeterStrip(bool lit) {
 }
 
 QImage AboutPicture() {
-  QImage picture(480, 270, QImage::Format_RGB32);
+  QImage picture(400, 300, QImage::Format_RGB32);
   QPainter p(&picture);
   PaintBrushedMetal(p, picture.rect(), 234);
   PaintBevel(p, picture.rect(), true);
-  for (const QPointF screw : {QPointF(9, 9), QPointF(470, 9), QPointF(9, 260), QPointF(470, 260)})
+  for (const QPointF screw : {QPointF(9, 9), QPointF(390, 9), QPointF(9, 290), QPointF(390, 290)})
     PaintScrew(p, screw);
-  const QRect plate(30, 30, 420, 128);
+  // The upper part carries the maker's plate; the About page writes its lines below it.
+  const QRect plate(24, 24, 352, 120);
   QLinearGradient face(plate.topLeft(), plate.bottomLeft());
   face.setColorAt(0.0, QColor(0x1A, 0x1F, 0x24));
   face.setColorAt(1.0, QColor(0x0D, 0x11, 0x15));
   p.fillRect(plate, face);
   PaintBevel(p, plate, true);
-  PaintMark(p, QRectF(52, 50, 96, 88), kLegend);
-  PaintEngraved(p, QRect(160, 44, 280, 64), QStringLiteral("TARN"), LegendFont(58, true, 6.0));
-  PaintEngraved(p, QRect(164, 108, 280, 20), QStringLiteral("EXTERNAL MIDI DEVICE PROXY"),
-                LegendFont(12, true, 2.0), Qt::AlignLeft | Qt::AlignVCenter,
+  PaintMark(p, QRectF(42, 44, 78, 74), kLegend);
+  PaintEngraved(p, QRect(134, 36, 236, 60), QStringLiteral("TARN"), LegendFont(50, true, 5.0));
+  PaintEngraved(p, QRect(137, 98, 236, 20), QStringLiteral("EXTERNAL MIDI DEVICE PROXY"),
+                LegendFont(10, true, 1.6), Qt::AlignLeft | Qt::AlignVCenter,
                 QColor(0xA9, 0xC4, 0xCC));
-  PaintGroove(p, 176, 20, 459);
+  PaintGroove(p, 164, 20, 379);
   return picture;
 }
 
 bool Save(const QImage& image, const QDir& folder, const QString& name) {
   const QString path = folder.filePath(name);
-  if (image.save(path)) return true;
+  if (image.save(path, nullptr, 92)) return true;
   std::fprintf(stderr, "make_art: cannot write %s\n", qPrintable(path));
   return false;
 }
@@ -378,7 +380,9 @@ int main(int argc, char** argv) {
   ok &= Save(MeterStrip(false), folder, QStringLiteral("245.png"));
   ok &= Save(MeterStrip(true), folder, QStringLiteral("248.png"));
   const QImage about = AboutPicture();
-  ok &= Save(about, folder, QStringLiteral("234.png"));
+  // A bitmap of 256 colours keeps the module's built-in copy small.
+  ok &= Save(about.convertToFormat(QImage::Format_Indexed8), folder,
+             QStringLiteral("about_234.bmp"));
   ok &= Save(about, folder, QStringLiteral("ABOUTBOX.jpg"));
   return ok ? 0 : 1;
 }

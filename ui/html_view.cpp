@@ -6,6 +6,8 @@
 #include <QtCore/QRegularExpression>
 #include <QtCore/QTimer>
 
+#include "resources/resources.h"
+
 namespace {
 
 // Where the element that holds `at` begins: the '<' of its tag.
@@ -91,6 +93,17 @@ void CQtHtmlView::Show(const QString& html, const QString& baseFolder) {
   QTimer::singleShot(0, this, [this] {
     if (m_events) m_events->OnDocumentComplete();
   });
+}
+
+QVariant CQtHtmlView::loadResource(int type, const QUrl& name) {
+  QVariant found = QTextBrowser::loadResource(type, name);
+  if (found.isValid()) return found;
+  const QByteArray file = name.fileName().toUtf8();
+  if (const auto builtIn = BuiltInResource("HTML", std::string_view(file.constData(),
+                                                                    static_cast<std::size_t>(file.size()))))
+    return QByteArray(reinterpret_cast<const char*>(builtIn->data()),
+                      static_cast<qsizetype>(builtIn->size()));
+  return found;
 }
 
 void CQtHtmlView::OnAnchor(const QUrl& url) {

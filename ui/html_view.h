@@ -1,6 +1,7 @@
 // An HTML view on QTextBrowser for the About box. It keeps the page's source, so that one
 // element can be replaced, the element included, once the page is complete; links to "app:"
-// go to the owner instead of being followed.
+// go to the owner instead of being followed. Pictures a page names are looked for in its folder
+// first, then among the module's built-in files of the type "HTML" (the About page's background).
 #pragma once
 
 #include <QtWidgets/QTextBrowser>
@@ -18,6 +19,9 @@ class CQtHtmlView final : public QTextBrowser, public IHtmlView {
 
   // The page's source as it stands, with every replacement made.
   const QString& Source() const noexcept { return m_source; }
+
+ protected:
+  QVariant loadResource(int type, const QUrl& name) override;
 
  private:
   void Show(const QString& html, const QString& baseFolder);

@@ -1,7 +1,5 @@
 #include "ui/skin.h"
 
-#include <QtCore/QFile>
-
 // The pictures are compiled into this static library; naming its initialiser keeps the linker
 // from dropping them from the module. Outside any namespace, as the initialiser's name is global.
 static void EnsureResources() {
@@ -22,14 +20,6 @@ QPixmap SkinPicture(int number) {
   EnsureResources();
   return QPixmap(QStringLiteral(":/tarn/%1.png").arg(number));
 }
-
-QByteArray SkinResource(const QString& name) {
-  EnsureResources();
-  QFile file(SkinResourceFolder() + QLatin1Char('/') + name);
-  return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-QString SkinResourceFolder() { return QStringLiteral(":/tarn"); }
 
 QString SkinMenuStyleSheet() {
   return QStringLiteral(

@@ -16,10 +16,6 @@ inline QColor PanelColour() { return QColor(0x1B, 0x20, 0x26); }
 // [editor thread] The picture with this resource number (":/tarn/<number>.png"); a null pixmap
 // when there is none.
 QPixmap SkinPicture(int number);
-// [editor thread] The bytes of a named resource of the editor ("about.htm"); empty when none.
-QByteArray SkinResource(const QString& name);
-// The folder the editor's resources are reached under, for pages that refer to pictures.
-QString SkinResourceFolder();
 // A style sheet that draws menus in the skin's colours: light text on the panel's dark, the
 // selected item in the colours of a selected row.
 QString SkinMenuStyleSheet();

@@ -30,3 +30,10 @@ std::wstring ModulePath() {
   path = fs::weakly_canonical(path, error);
   return error ? std::wstring() : NarrowToWide(path.string());
 }
+
+std::wstring ProgramPath() {
+  namespace fs = std::filesystem;
+  std::error_code error;
+  const fs::path path = fs::read_symlink("/proc/self/exe", error);
+  return error ? std::wstring() : NarrowToWide(path.string());
+}
