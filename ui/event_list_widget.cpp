@@ -38,9 +38,14 @@ CEventListWidget::CEventListWidget(QWidget* parent) : QTreeWidget(parent) {
   QFont small = font();
   small.setPixelSize(11);
   setFont(small);
-  setStyleSheet(QStringLiteral("QTreeWidget { background: transparent; color: %1; border: none; }"
-                               "QTreeWidget::item { padding: 0px 2px; }"
-                               "QTreeWidget::item:selected { background: %1; color: %2; }")
+  // The check boxes are the panel's: a lit square for an enabled event, as on the page.
+  setStyleSheet(QStringLiteral(
+                    "QTreeWidget { background: transparent; color: %1; border: none; }"
+                    "QTreeWidget::item { padding: 0px 2px; }"
+                    "QTreeWidget::item:selected { background: %1; color: %2; }"
+                    "QTreeWidget::indicator { width: 9px; height: 9px; border: 1px solid #8fa6ae;"
+                    " background: #0b161e; }"
+                    "QTreeWidget::indicator:checked { background: %1; border: 1px solid #0b161e; }")
                     .arg(LegendColour().name(), SelectedTextColour().name()));
   header()->setStretchLastSection(false);
   header()->setSectionResizeMode(QHeaderView::Interactive);

@@ -10,7 +10,6 @@
 #include "ui/hex_grid_widget.h"
 #include "ui/modal_dialog.h"
 
-
 class CQtPrefixEditorView final : public IPrefixEditorView {
  public:
   explicit CQtPrefixEditorView(QWidget* parent);

@@ -186,8 +186,9 @@ void CHexGridWidget::Backspace() {
     m_grid.Erase(m_caret, 1);
     PlaceCaret(m_caret, false);
   } else if (m_caret > 0) {
-    m_grid.Erase(m_caret - 1, 1);
-    PlaceCaret(m_caret - 1, false);
+    const std::size_t before = m_caret - 1;  // the erase clamps the caret to the new end
+    m_grid.Erase(before, 1);
+    PlaceCaret(before, false);
   }
 }
 

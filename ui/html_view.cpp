@@ -99,8 +99,8 @@ QVariant CQtHtmlView::loadResource(int type, const QUrl& name) {
   QVariant found = QTextBrowser::loadResource(type, name);
   if (found.isValid()) return found;
   const QByteArray file = name.fileName().toUtf8();
-  if (const auto builtIn = BuiltInResource("HTML", std::string_view(file.constData(),
-                                                                    static_cast<std::size_t>(file.size()))))
+  if (const auto builtIn = BuiltInResource(
+          "HTML", std::string_view(file.constData(), static_cast<std::size_t>(file.size()))))
     return QByteArray(reinterpret_cast<const char*>(builtIn->data()),
                       static_cast<qsizetype>(builtIn->size()));
   return found;

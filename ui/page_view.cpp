@@ -168,7 +168,8 @@ void CQtPageView::SetEvents(IPageViewEvents* events) {
 ParentWindow CQtPageView::Window() { return static_cast<QWidget*>(m_widget.data()); }
 
 void CQtPageView::Move(int left, int top, int right, int bottom) {
-  if (CPageWidget* widget = m_widget.data()) widget->setGeometry(left, top, right - left, bottom - top);
+  if (CPageWidget* widget = m_widget.data())
+    widget->setGeometry(left, top, right - left, bottom - top);
 }
 
 void CQtPageView::Show(bool shown) {
@@ -188,8 +189,10 @@ void CQtPageView::SetText(std::uint32_t control, const std::wstring& text) {
 void CQtPageView::EnableControl(std::uint32_t control, bool enabled) {
   CPageWidget* widget = m_widget.data();
   if (!widget) return;
-  if (CSkinButton* button = widget->Button(control)) button->SetEnabled(enabled);
-  else if (QWidget* other = widget->Control(control)) other->setEnabled(enabled);
+  if (CSkinButton* button = widget->Button(control))
+    button->SetEnabled(enabled);
+  else if (QWidget* other = widget->Control(control))
+    other->setEnabled(enabled);
 }
 
 void CQtPageView::ShowControl(std::uint32_t control, bool shown) {
@@ -201,8 +204,10 @@ void CQtPageView::ShowControl(std::uint32_t control, bool shown) {
 void CQtPageView::SetCheck(std::uint32_t control, bool checked) {
   CPageWidget* widget = m_widget.data();
   if (!widget) return;
-  if (control == kSyncCheck) widget->CheckBox().setChecked(checked);
-  else if (CSkinButton* button = widget->Button(control)) button->State().SetChecked(checked);
+  if (control == kSyncCheck)
+    widget->CheckBox().setChecked(checked);
+  else if (CSkinButton* button = widget->Button(control))
+    button->State().SetChecked(checked);
 }
 
 bool CQtPageView::IsChecked(std::uint32_t control) const {
@@ -213,8 +218,8 @@ bool CQtPageView::IsChecked(std::uint32_t control) const {
   return button && button->State().IsChecked();
 }
 
-void CQtPageView::SetButtonFaces(std::uint32_t control, std::uint32_t normal,
-                                 std::uint32_t pressed, std::uint32_t hover) {
+void CQtPageView::SetButtonFaces(std::uint32_t control, std::uint32_t normal, std::uint32_t pressed,
+                                 std::uint32_t hover) {
   CPageWidget* widget = m_widget.data();
   if (CSkinButton* button = widget ? widget->Button(control) : nullptr) {
     button->State().SetFaces(normal, pressed, hover);
