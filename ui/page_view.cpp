@@ -37,6 +37,7 @@ QString CheckBoxStyle() {
 }  // namespace
 
 CPageWidget::CPageWidget(QWidget* parent) : QWidget(parent) {
+  setObjectName(QStringLiteral("tarn-page"));
   setAttribute(Qt::WA_OpaquePaintEvent);
   resize(kSkinWidth, kSkinHeight);
   PlaceControls();
@@ -97,12 +98,19 @@ void CPageWidget::PlaceControls() {
   const QPixmap back = SkinPicture(kMeterBackBitmap);
   const QPixmap lit = SkinPicture(kMeterLitBitmap);
   m_meters[0] = new CMeterWidget(back, lit, this);
+  m_meters[0]->setObjectName(QStringLiteral("meter-in"));
   m_meters[0]->move(kInputMeterX, kInputMeterY);
   m_meters[1] = new CMeterWidget(back, lit, this);
+  m_meters[1]->setObjectName(QStringLiteral("meter-out"));
   m_meters[1]->move(kOutputMeterX, kOutputMeterY);
 }
 
 void CPageWidget::AddButton(std::uint32_t id, CSkinButton* button) { m_controls[id] = button; }
+
+// Each control is found by its id as its object name, by a host's tests as by ours.
+void CPageWidget::NameControls() {
+  for (const auto& [id, control] : m_controls) control->setObjectName(QString::number(id));
+}
 
 void CPageWidget::SetEvents(IPageViewEvents* events) {
   m_events = events;
@@ -145,6 +153,7 @@ CQtPageView::CQtPageView(QWidget* parent) : m_widget(new CPageWidget(parent)) {
     button->setGeometry(place.x, place.y, place.width, place.height);
     m_widget->AddButton(place.id, button);
   }
+  m_widget->NameControls();
   // The window may go before the view, with the host's window that holds it.
   QObject::connect(m_widget, &QObject::destroyed, [this] {
     if (m_events) m_events->OnDestroy();

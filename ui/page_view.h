@@ -19,7 +19,8 @@ class CSkinButton;
 class CEventListWidget;
 class CMeterWidget;
 
-// The page's window. Tests reach its controls by id.
+// The page's window, named "tarn-page"; each control carries its id as its object name, the
+// meters "meter-in" and "meter-out".
 class CPageWidget final : public QWidget {
  public:
   explicit CPageWidget(QWidget* parent);
@@ -34,6 +35,7 @@ class CPageWidget final : public QWidget {
   CEventListWidget& List() const noexcept { return *m_list; }
   CMeterWidget& Meter(PageMeter meter) const noexcept { return *m_meters[static_cast<int>(meter)]; }
   void AddButton(std::uint32_t id, CSkinButton* button);
+  void NameControls();
 
   QSize sizeHint() const override { return QSize(kSkinWidth, kSkinHeight); }
 

@@ -1,8 +1,6 @@
 #include "host/window/edit_command.h"
 
-#include <QtGui/QPalette>
 #include <QtWidgets/QApplication>
-#include <QtWidgets/QStyleFactory>
 #include <cstdio>
 
 #include "host/window/edit_session.h"
@@ -16,29 +14,6 @@ bool HasDisplay() {
   return !qEnvironmentVariableIsEmpty("DISPLAY") ||
          !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") ||
          !qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM");
-}
-
-// The host's own look: the dark of the page's panel, so that the page sits in it as in a rack.
-void UseRackLook(QApplication& application) {
-  application.setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
-  QPalette palette;
-  const QColor panel(0x2B, 0x31, 0x38), light(0xDF, 0xFE, 0xFF), base(0x12, 0x1B, 0x22);
-  palette.setColor(QPalette::Window, panel);
-  palette.setColor(QPalette::WindowText, light);
-  palette.setColor(QPalette::Base, base);
-  palette.setColor(QPalette::AlternateBase, panel);
-  palette.setColor(QPalette::Text, light);
-  palette.setColor(QPalette::Button, QColor(0x3B, 0x42, 0x4A));
-  palette.setColor(QPalette::ButtonText, light);
-  palette.setColor(QPalette::Highlight, light);
-  palette.setColor(QPalette::HighlightedText, Qt::black);
-  palette.setColor(QPalette::ToolTipBase, base);
-  palette.setColor(QPalette::ToolTipText, light);
-  palette.setColor(QPalette::PlaceholderText, QColor(0x8F, 0xA6, 0xAE));
-  palette.setColor(QPalette::Disabled, QPalette::Text, QColor(0x6C, 0x7A, 0x80));
-  palette.setColor(QPalette::Disabled, QPalette::ButtonText, QColor(0x6C, 0x7A, 0x80));
-  palette.setColor(QPalette::Disabled, QPalette::WindowText, QColor(0x6C, 0x7A, 0x80));
-  application.setPalette(palette);
 }
 
 }  // namespace

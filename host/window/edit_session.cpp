@@ -39,11 +39,13 @@ CEditSession::CEditSession(std::filesystem::path file, Rack rack, CLiveRack::Err
   m_routing.Open(*m_live);
 }
 
+// The instances go first, so nothing more is sent; then the traffic delivers what is queued,
+// naming the ports, which go last.
 CEditSession::~CEditSession() {
   m_routing.Close();
   m_live.reset();
-  m_ports.reset();
   m_traffic.reset();
+  m_ports.reset();
 }
 
 void CEditSession::OnTraffic(const PortMessage& message) {

@@ -59,5 +59,5 @@ class CEditSession {
   CInputRouting m_routing;
   std::unique_ptr<CPortTraffic> m_traffic;
   std::unique_ptr<CVirtualMidiPorts> m_ports;
-  std::unique_ptr<CLiveRack> m_live;  // last: goes first, before the ports and the traffic
+  std::unique_ptr<CLiveRack> m_live;
 };

@@ -3,6 +3,8 @@
 #include <QtCore/QTimer>
 #include <QtGui/QCloseEvent>
 #include <QtGui/QKeySequence>
+#include <QtGui/QPalette>
+#include <QtWidgets/QApplication>
 #include <QtWidgets/QHBoxLayout>
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QListWidget>
@@ -10,6 +12,7 @@
 #include <QtWidgets/QMessageBox>
 #include <QtWidgets/QPlainTextEdit>
 #include <QtWidgets/QStatusBar>
+#include <QtWidgets/QStyleFactory>
 #include <QtWidgets/QVBoxLayout>
 
 #include "platform/codepage.h"
@@ -26,8 +29,30 @@ QString Q(const std::string& text) { return QString::fromLocal8Bit(text.c_str())
 
 }  // namespace
 
-CEditWindow::CEditWindow(CEditSession& session)
-    : m_session(session), m_site(ComPtr<CPageSite>::Attach(new CPageSite)) {
+// The host's own look: the dark of the page's panel, so that the page sits in it as in a rack.
+void UseRackLook(QApplication& application) {
+  application.setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+  QPalette palette;
+  const QColor panel(0x2B, 0x31, 0x38), light(0xDF, 0xFE, 0xFF), base(0x12, 0x1B, 0x22);
+  palette.setColor(QPalette::Window, panel);
+  palette.setColor(QPalette::WindowText, light);
+  palette.setColor(QPalette::Base, base);
+  palette.setColor(QPalette::AlternateBase, panel);
+  palette.setColor(QPalette::Text, light);
+  palette.setColor(QPalette::Button, QColor(0x3B, 0x42, 0x4A));
+  palette.setColor(QPalette::ButtonText, light);
+  palette.setColor(QPalette::Highlight, light);
+  palette.setColor(QPalette::HighlightedText, Qt::black);
+  palette.setColor(QPalette::ToolTipBase, base);
+  palette.setColor(QPalette::ToolTipText, light);
+  palette.setColor(QPalette::PlaceholderText, QColor(0x8F, 0xA6, 0xAE));
+  palette.setColor(QPalette::Disabled, QPalette::Text, QColor(0x6C, 0x7A, 0x80));
+  palette.setColor(QPalette::Disabled, QPalette::ButtonText, QColor(0x6C, 0x7A, 0x80));
+  palette.setColor(QPalette::Disabled, QPalette::WindowText, QColor(0x6C, 0x7A, 0x80));
+  application.setPalette(palette);
+}
+
+CEditWindow::CEditWindow(CEditSession& session) : m_session(session), m_site(new CPageSite) {
   setWindowTitle(QStringLiteral("Tarn rack - %1").arg(Q(session.File().filename().string())));
   auto* central = new QWidget(this);
   auto* row = new QHBoxLayout(central);

@@ -9,9 +9,14 @@
 #include "host/window/edit_session.h"
 #include "host/window/page_site.h"
 
+class QApplication;
 class QListWidget;
 class QPlainTextEdit;
 class QTimer;
+
+// The host's own look: Fusion in the dark of the page's panel, so that a page sits in the window
+// as a unit in a rack.
+void UseRackLook(QApplication& application);
 
 class CEditWindow final : public QMainWindow {
  public:
