@@ -48,6 +48,9 @@ struct PageControlPlace {
   std::uint32_t normalFace, pressedFace, hoverFace;
 };
 
+// The check box's word, beside it; every other word stands on the skin or on a button's face.
+inline constexpr const wchar_t* kSyncCheckText = L"Send MIDI Sync";
+
 // Every control of the page in the order the page sets them up; the check box stands beside
 // its word, the spare button nowhere.
 std::span<const PageControlPlace> PageControlPlaces();
