@@ -30,7 +30,7 @@ std::optional<PixelSize> BitmapSize(std::span<const std::uint8_t> bytes) {
   PixelSize size;
   if (headerSize == 12) {  // the old core header: 16-bit sides
     size = {load(18, std::uint16_t{}), load(20, std::uint16_t{})};
-  } else if (headerSize >= 40 && bytes.size() >= 26) {
+  } else if (headerSize >= 40) {
     const auto width = load(18, std::int32_t{});
     const auto height = load(22, std::int32_t{});
     if (height == INT32_MIN) return std::nullopt;
@@ -47,8 +47,7 @@ std::vector<std::uint8_t> FileStart(const fs::path& path) {
   std::vector<std::uint8_t> bytes(64);
   std::ifstream file(path, std::ios::binary);
   file.read(reinterpret_cast<char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
-  bytes.resize(file ? bytes.size() : static_cast<std::size_t>(std::max<std::streamsize>(
-                                         file.gcount(), 0)));
+  bytes.resize(static_cast<std::size_t>(file.gcount()));
   return bytes;
 }
 

@@ -2,6 +2,7 @@
 // the module, so that a host or a derived plug-in reads versions the same way.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -23,7 +24,8 @@ class TARN_EXPORT CVersion {
   // four 0 when neither gives four parts.
   HRESULT Parse(std::wstring_view text);
 
-  std::uint32_t Number(int i) const noexcept { return m_numbers[i & 3]; }
+  // The numbers in order, `i` from 0 to 3; 0 past them.
+  std::uint32_t Number(std::size_t i) const noexcept { return i < 4 ? m_numbers[i] : 0; }
   HRESULT Result() const noexcept { return m_result; }
   // The text last read or parsed.
   const std::wstring& Text() const noexcept { return m_text; }

@@ -7,7 +7,7 @@
 
 #include "editor/about_dialog.h"
 #include "editor/version.h"
-#include "tests/support/dialog_recorders.h"
+#include "tests/support/view_recorders.h"
 #include "tests/support/temp_folder.h"
 
 namespace {
@@ -36,9 +36,9 @@ struct AboutRun {
 
 // Runs the box over `folder` as the host's folder, completes the page and presses OK.
 AboutRun RunAbout(const TempFolder& folder, const std::wstring& modulePath = L"no-such-module") {
-  DialogViewsRecorder views;
+  ViewFactoryRecorder views;
   AboutRun run;
-  views.NextAbout({true, {[&](AboutDialogRecorder& view, IModalEvents& events) {
+  views.dialogs.NextAbout({true, {[&](AboutDialogRecorder& view, IModalEvents& events) {
                      run.htmlArea = view.htmlArea.value_or(PixelSize{});
                      run.title = view.title;
                      run.navigatedFile = view.html->navigatedFile;
@@ -63,6 +63,15 @@ TEST(AboutBox, TheBuiltInPageAndPictureShowTheVersionInTheirElement) {
       << "no version record: the numbers stay 0; the element itself is replaced";
 }
 
+#if !defined(_WIN32)
+// A library of 320 bytes whose version section states 2.4.0.400.
+TEST(AboutBox, AModuleOfVersion2Point4Point0Point400Reads2Point4Build0) {
+  TempFolder host;
+  EXPECT_NE(RunAbout(host, TARN_VERSION_SAMPLE).after.find("<td>2.4 build 0</td>"),
+            std::string::npos);
+}
+#endif
+
 TEST(AboutBox, APictureBesideTheHostResizesTheBoxAndABrokenOneIsPassedOver) {
   TempFolder host;
   host.Write("about.bmp", BitmapHeader(640, -480));
@@ -82,8 +91,8 @@ TEST(AboutBox, APageBesideTheHostReplacesTheBuiltInOneAndGetsTheVersionToo) {
 TEST(AboutBox, WithoutAnHtmlViewOrAnyViewsItStillCloses) {
   TempFolder host;
   EXPECT_EQ(CAboutDlg(nullptr, host.Path().wstring(), L"").Run(), kDialogCancel);
-  DialogViewsRecorder views;
-  views.NextAbout({false, {[](AboutDialogRecorder&, IModalEvents& events) { events.OnOk(); }}});
+  ViewFactoryRecorder views;
+  views.dialogs.NextAbout({false, {[](AboutDialogRecorder&, IModalEvents& events) { events.OnOk(); }}});
   EXPECT_EQ(CAboutDlg(nullptr, host.Path().wstring(), L"").Run(), kDialogOk);
 }
 

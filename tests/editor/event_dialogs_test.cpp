@@ -11,7 +11,7 @@
 #include "editor/event_dialogs.h"
 #include "editor/preset_tree.h"
 #include "instruments/instrument.h"
-#include "tests/support/dialog_recorders.h"
+#include "tests/support/view_recorders.h"
 #include "tests/support/editor_recorders.h"
 #include "tests/support/recorders.h"
 #include "tests/support/test_instance.h"
@@ -36,7 +36,7 @@ struct Page {
   TestInstance instance;
   NotifyRecorder window;
   MessageBoxRecorder boxes;
-  DialogViewsRecorder views;
+  ViewFactoryRecorder views;
   int fills = 0;
   EventEditHost host{&instance.filter(), nullptr, window.Handle(), [this] { ++fills; }};
 
@@ -92,7 +92,7 @@ TEST(ProgramDialog, ShowsTheEventAndAnOkOfTheLimitsComesBackUnchanged) {
   Page page;
   CStoredEvent event = WithMessages({M(0xBF, 0, 0x7F), M(0xBF, 0x20, 0x7F), M(0xCF, 127)});
   event.SetName(L"Strings");
-  page.views.NextProgram({[](ProgramDialogRecorder& view, IProgramDialogEvents& events) {
+  page.views.dialogs.NextProgram({[](ProgramDialogRecorder& view, IProgramDialogEvents& events) {
     EXPECT_EQ(view.ItemText(pd::kChannelBox), L"16");
     EXPECT_EQ(view.ItemText(pd::kMsbBox), L"0x7f");
     EXPECT_EQ(view.ItemText(pd::kLsbBox), L"0x7f");
@@ -110,12 +110,12 @@ TEST(ProgramDialog, ShowsTheEventAndAnOkOfTheLimitsComesBackUnchanged) {
 TEST(ProgramDialog, TheProgramIsTakenModulo128AndAllThreeMessagesTakeTheChannel) {
   Page page;
   CStoredEvent event = WithMessages({M(0xB3, 0, 1), M(0xB5, 0x20, 2), M(0xC0, 5)});
-  page.views.NextProgram({ProgramBoxes({{pd::kProgramBox, L"128"}, {pd::kChannelBox, L"2"}}),
+  page.views.dialogs.NextProgram({ProgramBoxes({{pd::kProgramBox, L"128"}, {pd::kChannelBox, L"2"}}),
                           ProgramOk()});
   EditProgramEvent(event, page.host);
   EXPECT_EQ(event.MessagesView(),
             (ShortMessageList{M(0xB1, 0, 1), M(0xB1, 0x20, 2), M(0xC1, 0)}));
-  page.views.NextProgram({ProgramBoxes({{pd::kProgramBox, L"300"}}), ProgramOk()});
+  page.views.dialogs.NextProgram({ProgramBoxes({{pd::kProgramBox, L"300"}}), ProgramOk()});
   EditProgramEvent(event, page.host);
   EXPECT_EQ(event.MessagesView()[2], M(0xC1, 44));
 }
@@ -123,7 +123,7 @@ TEST(ProgramDialog, TheProgramIsTakenModulo128AndAllThreeMessagesTakeTheChannel)
 TEST(ProgramDialog, AChannelOutsideOneToSixteenIsRefusedAndTheDialogStays) {
   Page page;
   CStoredEvent event = CStoredEvent::MakeNew(NewEventKind::BankProgramChange);
-  page.views.NextProgram({ProgramBoxes({{pd::kChannelBox, L"0"}}), ProgramOk(),
+  page.views.dialogs.NextProgram({ProgramBoxes({{pd::kChannelBox, L"0"}}), ProgramOk(),
                           ProgramBoxes({{pd::kChannelBox, L"17"}}), ProgramOk(),
                           [](ProgramDialogRecorder& view, IProgramDialogEvents&) {
                             EXPECT_FALSE(view.Ended());
@@ -141,7 +141,7 @@ TEST(ProgramDialog, CancelAndOtherShapesLeaveTheEvent) {
   Page page;
   CStoredEvent event = CStoredEvent::MakeNew(NewEventKind::BankProgramChange);
   const CStoredEvent before = event;
-  page.views.NextProgram({ProgramBoxes({{pd::kProgramBox, L"9"}}),
+  page.views.dialogs.NextProgram({ProgramBoxes({{pd::kProgramBox, L"9"}}),
                           [](ProgramDialogRecorder&, IProgramDialogEvents& e) { e.OnCancel(); }});
   EditProgramEvent(event, page.host);
   EXPECT_EQ(event, before);
@@ -153,7 +153,7 @@ TEST(ProgramDialog, CancelAndOtherShapesLeaveTheEvent) {
   CStoredEvent sysex = CStoredEvent::MakeNew(NewEventKind::SystemExclusive);
   EditProgramEvent(loose, page.host);
   EditProgramEvent(sysex, page.host);
-  EXPECT_EQ(page.views.Made(), 1) << "no dialog for another shape";
+  EXPECT_EQ(page.views.dialogs.Made(), 1) << "no dialog for another shape";
   EXPECT_EQ(page.Refreshes(), 1u);
   EXPECT_TRUE(page.boxes.Boxes().empty());
 }
@@ -196,7 +196,7 @@ TEST(PresetTree, PickingAPresetOfBank130GivesMsb1Lsb2AndKeepsTheChannel) {
   page.UseDevices(Device(130, 1, 8));
   CStoredEvent event = WithMessages({M(0xB4, 0, 0), M(0xB4, 0x20, 0), M(0xC4, 0)});
   menus.AnswerNext([](const CPopupMenu& menu) { return menu.Items()[0].submenu->Items()[5].command; });
-  page.views.NextProgram({[](ProgramDialogRecorder& view, IProgramDialogEvents& events) {
+  page.views.dialogs.NextProgram({[](ProgramDialogRecorder& view, IProgramDialogEvents& events) {
                             events.OnPresetButton();
                             EXPECT_EQ(view.ItemText(pd::kPresetName), L"B130P5");
                             EXPECT_EQ(view.ItemText(pd::kMsbBox), L"0x1");
@@ -220,7 +220,7 @@ TEST(PresetTree, PresetsPastCommand49998AreShownButCannotBePicked) {
   menus.AnswerNext(49999);
   menus.AnswerNext(49998);
   menus.AnswerNext(CPresetTree::kEmpty);
-  page.views.NextProgram({[](ProgramDialogRecorder& view, IProgramDialogEvents& events) {
+  page.views.dialogs.NextProgram({[](ProgramDialogRecorder& view, IProgramDialogEvents& events) {
                             events.OnPresetButton();
                             EXPECT_EQ(view.ItemText(pd::kPresetName), L"");
                             events.OnPresetButton();
@@ -238,7 +238,7 @@ TEST(PresetTree, PresetsPastCommand49998AreShownButCannotBePicked) {
 TEST(ControllerDialog, AnEditToChannel2Controller7Value100GivesB10764) {
   Page page;
   CStoredEvent event = CStoredEvent::MakeNew(NewEventKind::ControllerChange);
-  page.views.NextController(
+  page.views.dialogs.NextController(
       {[](ControllerDialogRecorder& view, IModalEvents&) {
          EXPECT_EQ(view.ItemText(cd::kChannelBox), L"1");
          EXPECT_EQ(view.ItemText(cd::kControllerBox), L"0");
@@ -268,7 +268,7 @@ TEST(ControllerDialog, ValueThenControllerThenChannelAreCheckedAndRefused) {
   };
   using Fill3 = std::map<int, std::wstring>;
   const auto fill = Fill<ControllerDialogRecorder, IModalEvents>;
-  page.views.NextController(
+  page.views.dialogs.NextController(
       {fill(Fill3{{cd::kChannelBox, L"17"}, {cd::kControllerBox, L"128"}, {cd::kValueBox, L"128"}}),
        ControllerOk(), focused(cd::kValueBox), fill(Fill3{{cd::kValueBox, L"5"}}), ControllerOk(),
        focused(cd::kControllerBox), fill(Fill3{{cd::kControllerBox, L"5"}}), ControllerOk(),
@@ -284,13 +284,13 @@ TEST(ControllerDialog, ValueThenControllerThenChannelAreCheckedAndRefused) {
 
   CStoredEvent twoMessages = WithMessages({M(0xB0, 1, 2), M(0xB0, 3, 4)});
   EditControllerEvent(twoMessages, page.host);
-  EXPECT_EQ(page.views.Made(), 1);
+  EXPECT_EQ(page.views.dialogs.Made(), 1);
 }
 
 TEST(WaitDialog, AThousandShowsAsAThousandAndStaysSo) {
   Page page;
   CStoredEvent event = CStoredEvent::MakeNew(NewEventKind::Wait);
-  page.views.NextWait({[](WaitDialogRecorder& view, IModalEvents& events) {
+  page.views.dialogs.NextWait({[](WaitDialogRecorder& view, IModalEvents& events) {
     EXPECT_EQ(view.ItemText(wait_dialog::kMillisecondsBox), L"1000");
     events.OnOk();
   }});
@@ -307,7 +307,7 @@ TEST(WaitDialog, ZeroAndTooLongAreRefusedSoAPauseKeepsAtLeastOneMillisecond) {
   const auto fill = [](const wchar_t* text) {
     return Fill<WaitDialogRecorder, IModalEvents>({{wait_dialog::kMillisecondsBox, text}});
   };
-  page.views.NextWait({WaitOk(), fill(L"0"), WaitOk(), fill(L""), WaitOk(), fill(L"10000"),
+  page.views.dialogs.NextWait({WaitOk(), fill(L"0"), WaitOk(), fill(L""), WaitOk(), fill(L"10000"),
                        WaitOk()});
   EditWaitEvent(event, page.host);
   const auto boxes = page.boxes.Boxes();
@@ -319,7 +319,7 @@ TEST(WaitDialog, ZeroAndTooLongAreRefusedSoAPauseKeepsAtLeastOneMillisecond) {
 TEST(WaitDialog, AnEventThatIsNoPauseTakesTheNameButKeepsItsContents) {
   Page page;
   CStoredEvent event = CStoredEvent::MakeNew(NewEventKind::ControllerChange);
-  page.views.NextWait({Fill<WaitDialogRecorder, IModalEvents>(
+  page.views.dialogs.NextWait({Fill<WaitDialogRecorder, IModalEvents>(
                            {{wait_dialog::kMillisecondsBox, L"250"}, {kEventNameBox, L"Hold"}}),
                        WaitOk()});
   EditWaitEvent(event, page.host);

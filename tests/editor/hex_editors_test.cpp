@@ -9,7 +9,7 @@
 
 #include "editor/hex_edit_dialog.h"
 #include "editor/prefix_editor_dialog.h"
-#include "tests/support/dialog_recorders.h"
+#include "tests/support/view_recorders.h"
 #include "tests/support/editor_recorders.h"
 #include "tests/support/recorders.h"
 #include "tests/support/temp_folder.h"
@@ -58,10 +58,10 @@ TEST(HexGrid, EditsTheArrayInPlaceAndMarksItModified) {
 }
 
 TEST(HexEditDialog, StartsWithACopyInSixteenBareCellsAndOkHandsBackEverything) {
-  DialogViewsRecorder views;
+  ViewFactoryRecorder views;
   Bytes event{0xF0, 0x41, 0xF7};
   std::wstring name = L"Reset", description = L"GS reset";
-  views.NextHexEdit({{}, {[&](HexEditDialogRecorder& view, IHexEditDialogEvents& events) {
+  views.dialogs.NextHexEdit({{}, {[&](HexEditDialogRecorder& view, IHexEditDialogEvents& events) {
                              CHexGrid& grid = view.Grid();
                              EXPECT_EQ(grid.Columns(), 16);
                              EXPECT_EQ(grid.DataDigits(), 2);
@@ -82,9 +82,9 @@ TEST(HexEditDialog, StartsWithACopyInSixteenBareCellsAndOkHandsBackEverything) {
 }
 
 TEST(HexEditDialog, ResetThenOkGivesAnEmptyArray) {
-  DialogViewsRecorder views;
+  ViewFactoryRecorder views;
   Bytes event{0xF0, 0x7E, 0xF7};
-  views.NextHexEdit({{}, {Press(&IHexEditDialogEvents::OnReset), Press(&IHexEditDialogEvents::OnOk)}});
+  views.dialogs.NextHexEdit({{}, {Press(&IHexEditDialogEvents::OnReset), Press(&IHexEditDialogEvents::OnOk)}});
   EXPECT_EQ(CHexEditDlgDlg(nullptr).Run(&event, nullptr, nullptr), kDialogOk);
   EXPECT_TRUE(event.empty());
 }
@@ -93,16 +93,16 @@ TEST(HexEditDialog, ImportTakesAnyFileWholeWithNoLimit) {
   TempFolder folder;
   FileDialogRecorder files;
   MessageBoxRecorder boxes;
-  DialogViewsRecorder views;
+  ViewFactoryRecorder views;
   std::string big(70000, '\0');
   for (std::size_t i = 0; i < big.size(); ++i) big[i] = static_cast<char>(i * 7);
   files.AnswerNext(folder.Write("big.syx", big));
   files.AnswerNext(folder.Write("empty.syx", ""));
   files.AnswerNext(folder.File("missing.syx"));
   Bytes event{0xF0, 0xF7}, empty{1}, missing{2};
-  views.NextHexEdit({{}, {Press(&IHexEditDialogEvents::OnImport), Press(&IHexEditDialogEvents::OnOk)}});
-  views.NextHexEdit({{}, {Press(&IHexEditDialogEvents::OnImport), Press(&IHexEditDialogEvents::OnOk)}});
-  views.NextHexEdit({{}, {Press(&IHexEditDialogEvents::OnImport), Press(&IHexEditDialogEvents::OnOk)}});
+  views.dialogs.NextHexEdit({{}, {Press(&IHexEditDialogEvents::OnImport), Press(&IHexEditDialogEvents::OnOk)}});
+  views.dialogs.NextHexEdit({{}, {Press(&IHexEditDialogEvents::OnImport), Press(&IHexEditDialogEvents::OnOk)}});
+  views.dialogs.NextHexEdit({{}, {Press(&IHexEditDialogEvents::OnImport), Press(&IHexEditDialogEvents::OnOk)}});
   EXPECT_EQ(CHexEditDlgDlg(nullptr).Run(&event, nullptr, nullptr), kDialogOk);
   EXPECT_EQ(AsText(event), big) << "no length test, no framing test";
   EXPECT_EQ(CHexEditDlgDlg(nullptr).Run(&empty, nullptr, nullptr), kDialogOk);
@@ -121,11 +121,11 @@ TEST(HexEditDialog, ExportAsksOnceThenWritesSilentlyAndCancelThenAsksNothing) {
   TempFolder folder;
   FileDialogRecorder files;
   MessageBoxRecorder boxes;
-  DialogViewsRecorder views;
+  ViewFactoryRecorder views;
   const std::wstring target = folder.File("out.syx");
   files.AnswerNext(target);
   Bytes event{0xF0, 0x01, 0xF7};
-  views.NextHexEdit({{},
+  views.dialogs.NextHexEdit({{},
                      {Edit(1, 0x02), Press(&IHexEditDialogEvents::OnExport),
                       [&](HexEditDialogRecorder& view, IHexEditDialogEvents&) {
                         EXPECT_FALSE(view.Grid().Modified());
@@ -144,9 +144,9 @@ TEST(HexEditDialog, ExportAsksOnceThenWritesSilentlyAndCancelThenAsksNothing) {
 
 TEST(HexEditDialog, ExportCancelledWritesNothingAndKeepsTheGridModified) {
   FileDialogRecorder files;
-  DialogViewsRecorder views;
+  ViewFactoryRecorder views;
   Bytes event{0xF0, 0xF7};
-  views.NextHexEdit({{},
+  views.dialogs.NextHexEdit({{},
                      {Edit(0, 0xF1), Press(&IHexEditDialogEvents::OnExport),
                       [](HexEditDialogRecorder& view, IHexEditDialogEvents&) {
                         EXPECT_TRUE(view.Grid().Modified());
@@ -160,7 +160,7 @@ TEST(HexEditDialog, ExportCancelledWritesNothingAndKeepsTheGridModified) {
 // applies only an OK leaves the stored event as it was.
 TEST(HexEditDialog, CancelOfAChangeAsksAndAnswersCancelWhateverTheAnswer) {
   MessageBoxRecorder boxes;
-  DialogViewsRecorder views;
+  ViewFactoryRecorder views;
   Bytes yes{0xF0, 0x01, 0xF7}, no = yes;
   std::wstring name = L"Old";
   boxes.AnswerNext(ID_YES_ANSWER);
@@ -169,8 +169,8 @@ TEST(HexEditDialog, CancelOfAChangeAsksAndAnswersCancelWhateverTheAnswer) {
     view.name = L"New";
     events.OnCancel();
   };
-  views.NextHexEdit({{}, {Edit(1, 0x09), renameAndCancel}});
-  views.NextHexEdit({{}, {Edit(1, 0x09), renameAndCancel}});
+  views.dialogs.NextHexEdit({{}, {Edit(1, 0x09), renameAndCancel}});
+  views.dialogs.NextHexEdit({{}, {Edit(1, 0x09), renameAndCancel}});
   EXPECT_EQ(CHexEditDlgDlg(nullptr).Run(&yes, &name, nullptr), kDialogCancel);
   EXPECT_EQ(yes, (Bytes{0xF0, 0x09, 0xF7}));
   EXPECT_EQ(name, L"New");
@@ -186,10 +186,10 @@ TEST(HexEditDialog, CancelOfAChangeAsksAndAnswersCancelWhateverTheAnswer) {
 
 TEST(HexEditDialog, TheCloseBoxAndAnUnchangedCancelAskNothing) {
   MessageBoxRecorder boxes;
-  DialogViewsRecorder views;
+  ViewFactoryRecorder views;
   Bytes event{0xF0, 0xF7};
-  views.NextHexEdit({{}, {Edit(0, 0xF1), Press(&IHexEditDialogEvents::OnClose)}});
-  views.NextHexEdit({{}, {Press(&IHexEditDialogEvents::OnCancel)}});
+  views.dialogs.NextHexEdit({{}, {Edit(0, 0xF1), Press(&IHexEditDialogEvents::OnClose)}});
+  views.dialogs.NextHexEdit({{}, {Press(&IHexEditDialogEvents::OnCancel)}});
   EXPECT_EQ(CHexEditDlgDlg(nullptr).Run(&event, nullptr, nullptr), kDialogCancel);
   EXPECT_EQ(CHexEditDlgDlg(nullptr).Run(&event, nullptr, nullptr), kDialogCancel);
   EXPECT_TRUE(boxes.Boxes().empty());
@@ -199,9 +199,9 @@ TEST(HexEditDialog, TheCloseBoxAndAnUnchangedCancelAskNothing) {
 TEST(HexEditDialog, WithoutACallersArrayOkExportsAChangedGrid) {
   TempFolder folder;
   FileDialogRecorder files;
-  DialogViewsRecorder views;
+  ViewFactoryRecorder views;
   files.AnswerNext(folder.File("new.syx"));
-  views.NextHexEdit({{},
+  views.dialogs.NextHexEdit({{},
                      {[](HexEditDialogRecorder& view, IHexEditDialogEvents& events) {
                        EXPECT_EQ(view.Grid().Size(), 0u) << "started by Reset";
                        view.Grid().Insert(0, Bytes{0xF0, 0x7F, 0xF7});
@@ -213,15 +213,15 @@ TEST(HexEditDialog, WithoutACallersArrayOkExportsAChangedGrid) {
 
 TEST(HexEditDialog, AGridThatCannotBeMadeIsReportedAndTheDialogOpensAnyway) {
   MessageBoxRecorder boxes;
-  DialogViewsRecorder views;
+  ViewFactoryRecorder views;
   Bytes event{0xF0, 0xF7};
   bool opened = false;
   auto open = [&](HexEditDialogRecorder&, IHexEditDialogEvents& events) {
     opened = true;
     events.OnOk();
   };
-  views.NextHexEdit({{GridAttachment::Status::CannotLoad}, {open}});
-  views.NextHexEdit({{GridAttachment::Status::RegisterFailed, E_FAIL}, {open}});
+  views.dialogs.NextHexEdit({{GridAttachment::Status::CannotLoad}, {open}});
+  views.dialogs.NextHexEdit({{GridAttachment::Status::RegisterFailed, E_FAIL}, {open}});
   EXPECT_EQ(CHexEditDlgDlg(nullptr).Run(&event, nullptr, nullptr), kDialogOk);
   EXPECT_TRUE(opened);
   EXPECT_EQ(CHexEditDlgDlg(nullptr).Run(&event, nullptr, nullptr), kDialogOk);
@@ -248,7 +248,7 @@ TEST(HexEditDialog, WithNoViewsItAnswersCancelAtOnce) {
 
 TEST(PrefixEditor, EditsACopyWithTheSameGridAndCancelAsksTheSameQuestion) {
   MessageBoxRecorder boxes;
-  DialogViewsRecorder views;
+  ViewFactoryRecorder views;
   Bytes prefix{0xF0, 0x41, 0x10};
   auto change = [](PrefixEditorRecorder& view, IByteDialogEvents&) {
     CHexGrid& grid = view.Grid();
@@ -261,9 +261,9 @@ TEST(PrefixEditor, EditsACopyWithTheSameGridAndCancelAsksTheSameQuestion) {
   auto press = [](void (IByteDialogEvents::*button)()) {
     return [button](PrefixEditorRecorder&, IByteDialogEvents& events) { (events.*button)(); };
   };
-  views.NextPrefixEditor({{}, {change, press(&IByteDialogEvents::OnOk)}});
-  views.NextPrefixEditor({{}, {change, press(&IByteDialogEvents::OnCancel)}});
-  views.NextPrefixEditor({{}, {press(&IByteDialogEvents::OnReset), press(&IByteDialogEvents::OnOk)}});
+  views.dialogs.NextPrefixEditor({{}, {change, press(&IByteDialogEvents::OnOk)}});
+  views.dialogs.NextPrefixEditor({{}, {change, press(&IByteDialogEvents::OnCancel)}});
+  views.dialogs.NextPrefixEditor({{}, {press(&IByteDialogEvents::OnReset), press(&IByteDialogEvents::OnOk)}});
   EXPECT_EQ(CPrefixEditorDlg(nullptr).Run(&prefix), kDialogOk);
   EXPECT_EQ(prefix, (Bytes{0xF0, 0x41}));
   boxes.AnswerNext(ID_YES_ANSWER);

@@ -7,6 +7,7 @@
 #include <fstream>
 #include <sstream>
 #include <string>
+#include <vector>
 
 #include "editor/version.h"
 
@@ -36,7 +37,7 @@ TEST(ModuleVersion, TheBuiltModuleCarriesTheProjectsVersion) {
   EXPECT_EQ(numbers, Widen(TARN_FILE_VERSION));
 }
 
-// Cut short anywhere, the file has no readable record, and reading it never goes past its end.
+// Cut short before its record, the file has none, and reading it never goes past its end.
 TEST(ModuleVersion, ATruncatedModuleHasNoVersion) {
   const std::filesystem::path source(BuiltModule());
   std::ifstream in(source, std::ios::binary);
@@ -46,8 +47,11 @@ TEST(ModuleVersion, ATruncatedModuleHasNoVersion) {
   ASSERT_GT(bytes.size(), 4096u);
   const std::filesystem::path cut =
       std::filesystem::temp_directory_path() / ("tarn_cut_" + std::to_string(bytes.size()));
-  for (std::size_t length : {std::size_t{3}, std::size_t{64}, std::size_t{600}, std::size_t{4096},
-                             bytes.size() / 2}) {
+  std::vector<std::size_t> lengths{3, 64, 600, 4096};
+#if !defined(_WIN32)
+  lengths.push_back(bytes.size() / 2);  // a library's section table lies at its end
+#endif
+  for (const std::size_t length : lengths) {
     std::ofstream(cut, std::ios::binary | std::ios::trunc).write(bytes.data(),
                                                                  static_cast<std::streamsize>(length));
     audio::CVersion version;

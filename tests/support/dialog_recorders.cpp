@@ -197,7 +197,7 @@ int AboutDialogRecorder::RunModal(IModalEvents& events) {
   return Play(*this, events, m_script.actions, &IModalEvents::OnCancel);
 }
 
-// --- the source and the factory ---------------------------------------------------------------
+// --- the source ------------------------------------------------------------------------------
 
 template <class Script>
 Script DialogViewSource::Take(std::deque<Script>& queue) {
@@ -231,6 +231,3 @@ std::unique_ptr<IWaitDialogView> DialogViewSource::CreateWaitDialog() {
 std::unique_ptr<IAboutDialogView> DialogViewSource::CreateAboutDialog() {
   return std::make_unique<AboutDialogRecorder>(Take(m_about));
 }
-
-DialogViewsRecorder::DialogViewsRecorder() : m_previous(SetEditorViewFactory(this)) {}
-DialogViewsRecorder::~DialogViewsRecorder() { SetEditorViewFactory(m_previous); }

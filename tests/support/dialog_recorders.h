@@ -1,4 +1,4 @@
-// Test stand-ins for the views of the editor's dialogs, and a view factory that hands them out.
+// Test stand-ins for the views of the editor's dialogs, and the source that makes them.
 // Each modal recorder plays a script during RunModal: a list of user actions, each given the
 // view (to type into its boxes or look at them) and the dialog's events (to press buttons).
 // When the script runs out with the dialog still open, the recorder closes it as the window's
@@ -16,12 +16,9 @@
 #include <vector>
 
 #include "editor/about_view.h"
-#include "editor/closed_loop_dialog_view.h"
 #include "editor/event_dialog_views.h"
 #include "editor/hex_dialog_views.h"
-#include "editor/page_view.h"
 #include "editor/text_box_view.h"
-#include "editor/view_factory.h"
 #include "platform/html_view.h"
 
 // A one-line edit box as a user meets it: typed characters go through the logic's filter and
@@ -237,8 +234,8 @@ class AboutDialogRecorder final : public ModalRecorder<IAboutDialogView> {
 };
 
 // Makes the dialogs' recorders from scripts queued per kind, in order; a dialog with nothing
-// queued gets an empty script and is closed at once. Counts what it made. A view factory
-// serves its dialogs from one of these (DialogViewsRecorder below, or a page's factory).
+// queued gets an empty script and is closed at once. Counts what it made. The view factory
+// recorder (view_recorders.h) serves its dialogs from one of these.
 class DialogViewSource {
  public:
   void NextHexEdit(HexEditDialogRecorder::Script script) { m_hexEdit.push_back(std::move(script)); }
@@ -277,40 +274,4 @@ class DialogViewSource {
   std::deque<std::vector<WaitDialogRecorder::Action>> m_wait;
   std::deque<AboutDialogRecorder::Script> m_about;
   int m_made = 0;
-};
-
-// Installs itself as the editor's view factory for its lifetime and serves the dialogs from
-// its source; it makes no page and no closed-loop dialog.
-class DialogViewsRecorder final : public CEditorViewFactory, public DialogViewSource {
- public:
-  DialogViewsRecorder();
-  ~DialogViewsRecorder();
-  DialogViewsRecorder(const DialogViewsRecorder&) = delete;
-  DialogViewsRecorder& operator=(const DialogViewsRecorder&) = delete;
-
-  std::unique_ptr<IPageView> CreatePageView(ParentWindow) override { return nullptr; }
-  std::unique_ptr<IHexEditDialogView> CreateHexEditDialog(ParentWindow) override {
-    return DialogViewSource::CreateHexEditDialog();
-  }
-  std::unique_ptr<IPrefixEditorView> CreatePrefixEditor(ParentWindow) override {
-    return DialogViewSource::CreatePrefixEditor();
-  }
-  std::unique_ptr<IProgramDialogView> CreateProgramDialog(ParentWindow) override {
-    return DialogViewSource::CreateProgramDialog();
-  }
-  std::unique_ptr<IControllerDialogView> CreateControllerDialog(ParentWindow) override {
-    return DialogViewSource::CreateControllerDialog();
-  }
-  std::unique_ptr<IWaitDialogView> CreateWaitDialog(ParentWindow) override {
-    return DialogViewSource::CreateWaitDialog();
-  }
-  std::unique_ptr<IAboutDialogView> CreateAboutDialog(ParentWindow) override {
-    return DialogViewSource::CreateAboutDialog();
-  }
-  std::unique_ptr<IClosedLoopDialogView> CreateClosedLoopDialog(ParentWindow) override {
-    return nullptr;
-  }
-
- private:
-  CEditorViewFactory* m_previous;
 };
