@@ -47,6 +47,9 @@ CEventListWidget::CEventListWidget(QWidget* parent) : QTreeWidget(parent) {
                     " background: #0b161e; }"
                     "QTreeWidget::indicator:checked { background: %1; border: 1px solid #0b161e; }")
                     .arg(LegendColour().name(), SelectedTextColour().name()));
+  QFont headerFont = small;
+  headerFont.setPixelSize(10);  // so that "Enabled" fits its narrow column
+  header()->setFont(headerFont);
   header()->setStretchLastSection(false);
   header()->setSectionResizeMode(QHeaderView::Interactive);
   connect(this, &QTreeWidget::itemChanged, this, &CEventListWidget::OnItemChanged);

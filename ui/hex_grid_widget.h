@@ -21,7 +21,7 @@ class CHexGridWidget final : public QAbstractScrollArea, private IHexGridObserve
   bool CaretOnSecondDigit() const noexcept { return m_secondDigit; }
   bool InsertMode() const noexcept { return m_insert; }
 
-  // Where the first digit of byte `index` is drawn, in the viewport's pixels.
+  // Where a digit of byte `index` (its second when `second`) is drawn, in the viewport's pixels.
   QRect DigitRect(std::size_t index, bool second) const;
   QSize sizeHint() const override;
 

@@ -80,6 +80,8 @@ void CPageWidget::PlaceControls() {
         m_sync->setGeometry(kSyncPlace);
         m_sync->setStyleSheet(CheckBoxStyle());
         m_sync->setFocusPolicy(Qt::NoFocus);
+        m_sync->setAccessibleName(
+            QString::fromWCharArray(kSyncCheckText));  // its word is the skin's
         connect(m_sync, &QCheckBox::clicked, this, [this] {
           if (m_events) m_events->OnCommand(kSyncCheck);
         });
