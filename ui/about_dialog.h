@@ -19,8 +19,6 @@ class CQtAboutDialogView final : public IAboutDialogView {
   int RunModal(IModalEvents& events) override;
   void EndDialog(int result) override;
 
-  CModalDialog* Dialog() const noexcept { return m_dialog; }
-  CQtHtmlView* Html() const noexcept { return m_dialog ? m_html : nullptr; }
 
  private:
   QPointer<CModalDialog> m_dialog;

@@ -22,7 +22,6 @@ class CQtClosedLoopDialogView final : public IClosedLoopDialogView {
   void EnableControl(std::uint32_t control, bool enabled) override;
   void SetProgress(std::uint32_t control, std::uint16_t range, std::int32_t position) override;
 
-  CModalDialog* Dialog() const noexcept { return m_dialog; }
 
  private:
   QWidget* Control(std::uint32_t id) const;

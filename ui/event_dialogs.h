@@ -40,7 +40,6 @@ class CQtProgramDialogView final : public IProgramDialogView {
   int RunModal(IProgramDialogEvents& events) override;
   void EndDialog(int result) override;
 
-  CModalDialog* Dialog() const noexcept { return m_dialog; }
 
  private:
   QPointer<CModalDialog> m_dialog;
@@ -62,7 +61,6 @@ class CQtControllerDialogView final : public IControllerDialogView {
   int RunModal(IModalEvents& events) override;
   void EndDialog(int result) override;
 
-  CModalDialog* Dialog() const noexcept { return m_dialog; }
 
  private:
   QPointer<CModalDialog> m_dialog;
@@ -81,7 +79,6 @@ class CQtWaitDialogView final : public IWaitDialogView {
   int RunModal(IModalEvents& events) override;
   void EndDialog(int result) override;
 
-  CModalDialog* Dialog() const noexcept { return m_dialog; }
 
  private:
   QPointer<CModalDialog> m_dialog;

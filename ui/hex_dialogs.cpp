@@ -17,12 +17,11 @@ namespace {
 constexpr int kPrefixGridIndex = 0;
 constexpr int kSysexGridIndex = 2;
 
-CHexGridWidget* PlaceGrid(CModalDialog& dialog, CHexGrid& grid, int id, int index) {
+void PlaceGrid(CModalDialog& dialog, CHexGrid& grid, int id, int index) {
   auto* widget = new CHexGridWidget(grid, &dialog);
   widget->setObjectName(ControlName(id));
   static_cast<QVBoxLayout*>(dialog.layout())->insertWidget(index, widget, 1);
   widget->setFocus();
-  return widget;
 }
 
 }  // namespace
@@ -55,7 +54,7 @@ CQtPrefixEditorView::~CQtPrefixEditorView() {
 }
 
 GridAttachment CQtPrefixEditorView::AttachGrid(CHexGrid& grid) {
-  if (m_dialog) m_grid = PlaceGrid(*m_dialog, grid, prefix_editor::kGrid, kPrefixGridIndex);
+  if (m_dialog) PlaceGrid(*m_dialog, grid, prefix_editor::kGrid, kPrefixGridIndex);
   return {};
 }
 
@@ -117,7 +116,7 @@ CQtHexEditDialogView::~CQtHexEditDialogView() {
 }
 
 GridAttachment CQtHexEditDialogView::AttachGrid(CHexGrid& grid) {
-  if (m_dialog) m_grid = PlaceGrid(*m_dialog, grid, hex_edit_dialog::kGrid, kSysexGridIndex);
+  if (m_dialog) PlaceGrid(*m_dialog, grid, hex_edit_dialog::kGrid, kSysexGridIndex);
   return {};
 }
 

@@ -7,7 +7,6 @@
 #include <QtWidgets/QLineEdit>
 
 #include "editor/hex_dialog_views.h"
-#include "ui/hex_grid_widget.h"
 #include "ui/modal_dialog.h"
 
 class CQtPrefixEditorView final : public IPrefixEditorView {
@@ -19,12 +18,9 @@ class CQtPrefixEditorView final : public IPrefixEditorView {
   int RunModal(IByteDialogEvents& events) override;
   void EndDialog(int result) override;
 
-  CModalDialog* Dialog() const noexcept { return m_dialog; }
-  CHexGridWidget* Grid() const noexcept { return m_grid; }
 
  private:
   QPointer<CModalDialog> m_dialog;
-  QPointer<CHexGridWidget> m_grid;
   IByteDialogEvents* m_events = nullptr;
 };
 
@@ -41,12 +37,9 @@ class CQtHexEditDialogView final : public IHexEditDialogView {
   int RunModal(IHexEditDialogEvents& events) override;
   void EndDialog(int result) override;
 
-  CModalDialog* Dialog() const noexcept { return m_dialog; }
-  CHexGridWidget* Grid() const noexcept { return m_grid; }
 
  private:
   QPointer<CModalDialog> m_dialog;
-  QPointer<CHexGridWidget> m_grid;
   QPointer<QLineEdit> m_name;
   QPointer<QLineEdit> m_description;
   IHexEditDialogEvents* m_events = nullptr;

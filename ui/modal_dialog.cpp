@@ -12,12 +12,10 @@ QSize DialogUnitsToPixels(const QWidget& widget, int widthDlu, int heightDlu) {
 
 CModalDialog::CModalDialog(QWidget* parent, const wchar_t* title, int widthDlu, int heightDlu,
                            std::function<void()> escape)
-    : QDialog(parent),
-      m_escape(std::move(escape)),
-      m_resourceSize(DialogUnitsToPixels(*this, widthDlu, heightDlu)) {
+    : QDialog(parent), m_escape(std::move(escape)) {
   setWindowTitle(QString::fromWCharArray(title));
   setModal(true);
-  resize(m_resourceSize);
+  resize(DialogUnitsToPixels(*this, widthDlu, heightDlu));
 }
 
 int CModalDialog::Run() { return exec(); }

@@ -17,15 +17,12 @@ class CModalDialog final : public QDialog {
   // Runs the dialog until End; answers End's result.
   int Run();
   void End(int result) { done(result); }
-  // The size the resource gives, in pixels.
-  QSize ResourceSize() const noexcept { return m_resourceSize; }
 
  protected:
   void reject() override;
 
  private:
   std::function<void()> m_escape;
-  QSize m_resourceSize;
 };
 
 // Pixels for dialog units in `widget`'s font.

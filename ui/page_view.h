@@ -26,7 +26,6 @@ class CPageWidget final : public QWidget {
   explicit CPageWidget(QWidget* parent);
 
   void SetEvents(IPageViewEvents* events);
-  IPageViewEvents* Events() const noexcept { return m_events; }
 
   QWidget* Control(std::uint32_t id) const;
   CSkinButton* Button(std::uint32_t id) const;
@@ -60,8 +59,6 @@ class CQtPageView final : public IPageView, private IDspButtonParent {
   // `parent` is the host's window for the page, a QWidget.
   explicit CQtPageView(QWidget* parent);
   ~CQtPageView() override;
-
-  CPageWidget* Widget() const noexcept { return m_widget; }
 
   void SetEvents(IPageViewEvents* events) override;
   ParentWindow Window() override;

@@ -63,13 +63,6 @@ std::vector<std::string> CEditSession::TakeMonitorLines() {
   return lines;
 }
 
-std::vector<std::wstring> CEditSession::OutputPortNames() {
-  std::vector<std::wstring> names;
-  for (std::int32_t i = 0; i < m_ports->GetOutputPortCount(); ++i)
-    names.push_back(OutputName(m_ports.get(), i));
-  return names;
-}
-
 ComPtr<IPropertyPage> CEditSession::CreatePage(LiveInstance& instance, std::string& error) {
   ComPtr<ISpecifyPropertyPages> specify;
   CAUUID pages{0, nullptr};

@@ -45,8 +45,6 @@ class CEditSession {
 
   // [any thread] The monitor's lines that came since the last call, oldest first.
   std::vector<std::string> TakeMonitorLines();
-  // The output ports' names, in port order.
-  std::vector<std::wstring> OutputPortNames();
 
  private:
   CEditSession(std::filesystem::path file, Rack rack, CLiveRack::ErrorSink errors);

@@ -1,9 +1,6 @@
 #include "host/window/page_site.h"
 
-HRESULT CPageSite::OnStatusChange(DWORD) {
-  ++m_changes;
-  return S_OK;
-}
+HRESULT CPageSite::OnStatusChange(DWORD) { return S_OK; }
 
 HRESULT CPageSite::GetLocaleID(LCID* locale) {
   if (!locale) return E_POINTER;

@@ -1,9 +1,7 @@
 // The host's side of one property page: the page reports status changes here and asks for the
-// locale. The page is never dirty (each change goes to its instance at once); a status change
-// is still counted, so that the window can tell a change it hears of.
+// locale. The page is never dirty (each change goes to its instance at once), so a status
+// change asks nothing of the window.
 #pragma once
-
-#include <atomic>
 
 #include "interfaces/property_page.h"
 
@@ -18,9 +16,4 @@ class CPageSite final : public CUnknownImpl<IPropertyPageSite> {
   HRESULT STDMETHODCALLTYPE GetPageContainer(IUnknown** container) override;
   // S_FALSE: the window's own shortcuts go through Qt.
   HRESULT STDMETHODCALLTYPE TranslateAccelerator(MSG* message) override;
-
-  int StatusChanges() const noexcept { return m_changes.load(); }
-
- private:
-  std::atomic<int> m_changes{0};
 };
