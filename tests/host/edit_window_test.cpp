@@ -1,11 +1,13 @@
 // tarn-host's edit window over a real rack, as a user works in it: the module is registered in
 // a private registry, a rack of two instances is written, and the window shows each instance's
 // page, drawn by the module inside the window. Choosing a port and pressing Send All puts the
-// bytes on the monitor and lights the output meter; closing the window saves what changed.
+// bytes on the monitor and lights the output meter; File > Save writes the rack, and closing
+// the window saves what changed since.
 #include "host/window/edit_window.h"
 
 #include <QtCore/QElapsedTimer>
 #include <QtCore/QTimer>
+#include <QtGui/QAction>
 #include <QtGui/QImage>
 #include <QtTest/QTest>
 #include <QtWidgets/QApplication>
@@ -28,6 +30,7 @@ namespace {
 
 // The page's controls by id, as the module names them.
 constexpr int kPortButton = 1022, kAddButton = 1011, kSendAllButton = 1013, kPortText = 1001;
+constexpr int kChannelButton = 1023;
 constexpr int kOkButton = 1, kControllerValueBox = 1032;
 
 bool WaitFor(const std::function<bool()>& done, int ms = 5000) {
@@ -171,9 +174,15 @@ void EditWindowTest::sendAllReachesThePortAndClosingSavesTheChange() {
     shots.mkpath(QStringLiteral("."));
     window.grab().save(shots.filePath(QStringLiteral("host-edit-window-sending.png")));
     QVERIFY(session->Changed());
+    for (QAction* action : window.findChildren<QAction*>())
+      if (action->text() == QLatin1String("&Save")) action->trigger();
+    QVERIFY2(!session->Changed(), "File > Save wrote the rack");
+    OnNext(true, [](QWidget& menu) { ChooseItem(menu, QStringLiteral("16")); });
+    Click(Control(window, kChannelButton));
+    QVERIFY(session->Changed());
     window.close();
   }
-  QVERIFY2(!session->Changed(), "closing saved the rack");
+  QVERIFY2(!session->Changed(), "closing saved the rack once more");
   session.reset();
   auto again = CEditSession::Open(
       m_rack, [](const std::string&) {}, error);
@@ -182,6 +191,9 @@ void EditWindowTest::sendAllReachesThePortAndClosingSavesTheChange() {
   std::int32_t index = -1;
   again->Instances()[0].myFilter->GetOutputPortIndex(&index);
   QCOMPARE(index, 0);
+  std::uint32_t channel = 0;
+  again->Instances()[0].myFilter->GetOutputRechannel(&channel);
+  QCOMPARE(channel, 16u);
 }
 
 void EditWindowTest::aRackWithoutChangesIsLeftAsItWas() {
