@@ -187,10 +187,10 @@ void CPageDialog::ShowSysexPrefix() {
   std::uint32_t length = 0;
   if (m_filter) m_filter->GetSysexPrefixLength(&length);
   for (std::uint32_t i = 0; i < length; ++i) {
-    std::uint8_t byte = 0;
-    m_filter->GetSysexPrefixByte(&byte, static_cast<std::int32_t>(i));
+    std::uint8_t value = 0;
+    m_filter->GetSysexPrefixByte(&value, static_cast<std::int32_t>(i));
     wchar_t hex[8];
-    std::swprintf(hex, std::size(hex), L"%02X ", byte);
+    std::swprintf(hex, std::size(hex), L"%02X ", value);
     text += hex;
   }
   SetText(kPrefixText, text);

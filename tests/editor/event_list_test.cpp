@@ -346,16 +346,6 @@ TEST_F(EventList, AnEmptyEventOpensWithOneZeroByteAndOkKeepsItEmpty) {
   EXPECT_EQ(view().Rows()[0].texts.info, L"No Data");
 }
 
-TEST_F(EventList, AddedSysexCancelledKeepsItsDefaults) {
-  Open({});
-  rig->menus.AnswerNext(kAddSysex);
-  view().Click(kAddButton);
-  CStoredEvent* event = nullptr;
-  ASSERT_EQ(filter().GetEvent(0, &event), S_OK);
-  EXPECT_EQ(event->GetSysex(), (Bytes{0xF0, 0xF7}));
-  EXPECT_TRUE(event->IsEnabled());
-}
-
 TEST_F(EventList, AWaitEditedInItsDialogIsShownInItsRow) {
   Open({CStoredEvent::MakeNew(NewEventKind::Wait)});
   rig->views.dialogs.NextWait({[](WaitDialogRecorder& view, IModalEvents& events) {

@@ -89,15 +89,6 @@ TEST(PropertyPage, KeepsItsSiteUntilToldOtherwise) {
   EXPECT_EQ(site.RefCount(), 0) << "released with the page";
 }
 
-TEST(PropertyPage, AnswersItsContractAndIUnknownAsOneObject) {
-  PageRig rig(false);
-  ComPtr<IUnknown> identity;
-  ASSERT_EQ(identity.QueryFrom(rig.page.Get(), IID_IUnknown), S_OK);
-  ComPtr<IPropertyPage> again;
-  ASSERT_EQ(again.QueryFrom(identity.Get(), IID_IPropertyPage), S_OK);
-  EXPECT_EQ(again.Get(), rig.page.Get());
-}
-
 TEST(PropertyPage, AWindowThatGoesByItselfStopsTheMetersAndThePageLivesOn) {
   PageRig rig;
   rig.view().Close();

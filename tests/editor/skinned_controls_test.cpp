@@ -33,15 +33,6 @@ TEST(Meter, LightsWholeSegmentsLinearlyAndCapsAtTheStrip) {
   EXPECT_EQ(meter.LitLength(-5), 0);
 }
 
-TEST(Meter, DrawsItsLeftValueOnly) {
-  ControlHostRecorder host;
-  CUIMeter meter;
-  PageMeter(meter, host);
-  meter.SetRawValues(127, 0);
-  meter.Draw();
-  EXPECT_EQ(host.meterDraws, std::vector<int>{118});
-}
-
 TEST(Meter, SetValuesDecaysClampsAndRaises) {
   ControlHostRecorder host;
   CUIMeter meter;
@@ -52,12 +43,6 @@ TEST(Meter, SetValuesDecaysClampsAndRaises) {
   meter.SetValues(0, 60, 10);
   EXPECT_FLOAT_EQ(meter.Left(), 117);
   EXPECT_FLOAT_EQ(meter.Right(), 60);
-}
-
-TEST(Meter, ConstructionGivesTheGeneralNumbers) {
-  CUIMeter meter;
-  EXPECT_FLOAT_EQ(meter.Min(), -96);
-  EXPECT_FLOAT_EQ(meter.Max(), 6);
 }
 
 // --- fader --------------------------------------------------------------------------------------
