@@ -4,6 +4,7 @@
 
 #include "host/cli/commands.h"
 #include "host/plugin/synth_catalog.h"
+#include "host/window/edit_command.h"
 #include "platform/codepage.h"
 
 namespace {
@@ -103,6 +104,13 @@ int main(int argc, char** argv) {
                         "INDEX=VALUE to set before listing (repeat for each; not saved)");
   AddBackEndOptions(*paramsCmd, params.backEnds, false);
 
+  EditOptions edit;
+  auto* editCmd = app.add_subcommand(
+      "edit", "Open a rack in a window: each instance's property page, live on the rack's MIDI "
+              "ports; the rack is saved with File > Save and on closing when it changed");
+  editCmd->add_option("rack", edit.rack, "The rack file")->required();
+  AddBackEndOptions(*editCmd, edit.backEnds, false);
+
   CLI11_PARSE(app, argc, argv);
   if (!registry.empty()) SetHostRegistryRoot(NarrowToWide(registry));
 
@@ -115,5 +123,6 @@ int main(int argc, char** argv) {
   if (testCmd->parsed()) return TestCommand(test);
   if (configCmd->parsed()) return ConfigCommand(config);
   if (paramsCmd->parsed()) return ParamsCommand(params);
+  if (editCmd->parsed()) return EditCommand(edit);
   return 1;
 }

@@ -1,6 +1,7 @@
 // The module's entry points: load and unload, and the four exports a host calls by name.
 #include "module/class_factory.h"
 #include "module/class_table.h"
+#include "module/editor_drawing.h"
 #include "module/module_state.h"
 #include "module/registration.h"
 #include "platform/class_object.h"
@@ -15,6 +16,7 @@ extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, void*) {
   if (reason == DLL_PROCESS_ATTACH) {
     DisableThreadLibraryCalls(instance);
     ModuleAttach(instance);
+    InstallEditorDrawing();
   } else if (reason == DLL_PROCESS_DETACH) {
     ModuleDetach();
   }
@@ -31,6 +33,7 @@ struct ModuleLifetime {
     Dl_info info{};
     ModuleAttach(dladdr(reinterpret_cast<const void*>(&ModuleAttach), &info) ? info.dli_fbase
                                                                             : nullptr);
+    InstallEditorDrawing();
   }
   ~ModuleLifetime() { ModuleDetach(); }
 };

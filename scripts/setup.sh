@@ -11,6 +11,8 @@ packages=(
   libsndfile1-dev nlohmann-json3-dev libcli11-dev   # tarn-host: audio files, racks, commands
   librtmidi-dev libjack-jackd2-dev   # tarn-host: MIDI on JACK and ALSA, real-time audio
   jackd2                             # the JACK tests' server and example clients
+  qt6-base-dev fonts-dejavu-core   # the editor's drawing and the font its art and tests use
+  xvfb xauth                       # the editor's tests once on a real window system
 )
 
 missing=()

@@ -10,13 +10,12 @@
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
-#include <mutex>
 #include <sstream>
 #include <thread>
 
 #include "host/audio/jack_driver.h"
 #include "host/audio/offline_driver.h"
-#include "host/cli/midi_session.h"
+#include "host/midi/midi_session.h"
 #include "host/looptest/loop_latency.h"
 #include "host/looptest/loop_test_runner.h"
 #include "host/midi/virtual_midi_ports.h"
@@ -165,7 +164,7 @@ void ApplyBackEnds(const BackEndOptions& options, RackSettings& settings) {
 
 MidiSessionOptions SessionOptions(const BackEndOptions& options, const RackSettings& settings,
                                   bool monitor) {
-  return {settings.midi, settings.midiPorts, options.clientName, monitor};
+  return {settings.midi, settings.midiPorts, options.clientName, monitor, {}};
 }
 
 // What the MIDI back end saw fail during the run, each counted as an error.
@@ -305,7 +304,7 @@ int PortsCommand(const PortsOptions& options) {
   std::string error;
   auto session = CMidiSession::Open(
       {options.backEnds.midi.value_or("virtual"), options.count, options.backEnds.clientName,
-       false},
+       false, {}},
       error);
   if (!session) {
     Report(error);

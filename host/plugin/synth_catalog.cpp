@@ -66,11 +66,22 @@ IUnknown* CSynthCatalog::Create(REFCLSID clsid, std::string& error) {
     error = "class " + WideToNarrow(GuidToString(clsid)) + " is not a registered soft synth";
     return nullptr;
   }
-  if (entry->modulePath.empty()) {
+  return CreateFrom(entry->modulePath, clsid, error);
+}
+
+IUnknown* CSynthCatalog::CreateServed(REFCLSID clsid, std::string& error) {
+  const auto server = ReadRegistryValue(L"CLSID\\" + GuidToString(clsid) + L"\\InprocServer32");
+  return CreateFrom(server ? std::filesystem::path(*server) : std::filesystem::path(), clsid,
+                    error);
+}
+
+IUnknown* CSynthCatalog::CreateFrom(const std::filesystem::path& modulePath, REFCLSID clsid,
+                                    std::string& error) {
+  if (modulePath.empty()) {
     error = "class " + WideToNarrow(GuidToString(clsid)) + " names no module";
     return nullptr;
   }
-  CModuleLibrary* module = Module(entry->modulePath, error);
+  CModuleLibrary* module = Module(modulePath, error);
   if (!module) return nullptr;
   ComPtr<IClassFactory> factory;
   HRESULT hr = module->GetFactory(clsid, factory.Receive());

@@ -29,8 +29,13 @@ class CSynthCatalog {
   // owned by the caller; null with `error` saying why (not registered, module not loadable,
   // factory refused).
   IUnknown* Create(REFCLSID clsid, std::string& error);
+  // [host thread] A new object of any class the registry names an in-process server for (a soft
+  // synth's property page), as Create makes one; the same module object serves both.
+  IUnknown* CreateServed(REFCLSID clsid, std::string& error);
 
  private:
+  IUnknown* CreateFrom(const std::filesystem::path& modulePath, REFCLSID clsid,
+                       std::string& error);
   CModuleLibrary* Module(const std::filesystem::path& path, std::string& error);
 
   std::map<std::filesystem::path, std::unique_ptr<CModuleLibrary>> m_modules;

@@ -79,6 +79,8 @@ class CLiveRack {
   bool Snapshot(std::vector<RackInstance>& entries);
 
   std::vector<LiveInstance>& Instances() { return m_instances; }
+  // [host thread] The modules the instances came from, to make more of their objects (pages).
+  CSynthCatalog& Catalog() { return m_catalog; }
   // [host thread] "<file>: instance N "name": "
   std::string Where(const LiveInstance& instance) const;
   std::string Where(std::size_t number, const std::string& name) const;

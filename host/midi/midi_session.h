@@ -7,6 +7,7 @@
 #include <atomic>
 #include <chrono>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -23,7 +24,9 @@ struct MidiSessionOptions {
   std::string backEnd = "virtual";  // "virtual", "jack" or "alsa"
   std::int32_t ports = 2;           // the host's own ports in each direction
   std::string clientName = "tarn-host";  // the name the host's ports go by on a server
-  bool monitor = true;              // print each message that reaches a port
+  bool monitor = true;              // show each message that reaches a port
+  // Where the monitor's lines go, on the traffic thread; standard output when empty.
+  std::function<void(const std::string&)> monitorSink;
 };
 
 class CMidiSession final : public CMidiPortListener {

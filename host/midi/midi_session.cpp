@@ -1,4 +1,4 @@
-#include "host/cli/midi_session.h"
+#include "host/midi/midi_session.h"
 
 #include <cstdio>
 
@@ -39,8 +39,13 @@ void CMidiSession::OnPortSend(std::int32_t port, std::span<const std::uint8_t> b
 }
 
 void CMidiSession::OnSent(const PortMessage& message) {
-  if (m_options.monitor)
-    std::printf("%s\n", MonitorLine(message, m_ports->SentPortName(message.port)).c_str());
+  if (m_options.monitor) {
+    const std::string line = MonitorLine(message, m_ports->SentPortName(message.port));
+    if (m_options.monitorSink)
+      m_options.monitorSink(line);
+    else
+      std::printf("%s\n", line.c_str());
+  }
   // The virtual wire: output N comes back at input N, short messages only.
   if (m_options.backEnd != "virtual" || message.bytes.empty() || message.bytes.size() > 3 ||
       message.bytes[0] == 0xF0)
