@@ -339,7 +339,9 @@ QImage AboutPicture() {
 
 bool Save(const QImage& image, const QDir& folder, const QString& name) {
   const QString path = folder.filePath(name);
-  if (image.save(path, nullptr, 92)) return true;
+  // Pictures compress fully; the one photograph-like JPEG keeps a high quality.
+  const int quality = path.endsWith(QLatin1String(".jpg")) ? 92 : -1;
+  if (image.save(path, nullptr, quality)) return true;
   std::fprintf(stderr, "make_art: cannot write %s\n", qPrintable(path));
   return false;
 }

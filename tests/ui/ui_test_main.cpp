@@ -1,3 +1,4 @@
+#include <QtCore/QFile>
 #include <QtTest/QTest>
 #include <QtWidgets/QApplication>
 #include <vector>
@@ -21,6 +22,8 @@ int RegisterUiTest(UiTestMaker maker) {
 
 int main(int argc, char** argv) {
   QApplication application(argc, argv);
+  // The instances keep their device store beside the program: each run starts from none.
+  QFile::remove(QCoreApplication::applicationDirPath() + QStringLiteral("/devices.xml"));
   InstallQtEditor();
   int failed = 0;
   for (const UiTestMaker& maker : Makers()) {
