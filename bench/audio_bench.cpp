@@ -3,7 +3,8 @@
 //    only counts, against a memcpy of the same bytes; with the heap allocations per buffer;
 //  - Process alone against the same memcpy;
 //  - the tracked ratios: Receive and Process of 64 and 1024 frames and the memcpy, taking turns
-//    block by block (bench/in_turns.h), so that the machine's load falls alike on each;
+//    block by block (bench/in_turns.h), so that the machine's load falls alike on each; beside
+//    them the steps that every Receive must take on this frame, alone, as the floor;
 //  - one window pass over 10 to 100,000 pending events, all taken or all kept, per event.
 #include <chrono>
 #include <cstring>
@@ -126,8 +127,48 @@ void BM_Process(benchmark::State& state) {
   state.SetBytesProcessed(state.iterations() * state.range(0) * kBlockAlign);
 }
 
-// The memcpy, Receive and Process of `range(0)` frames in turns, a block of calls at a time; the
-// median block of each, per call.
+// The steps that every Receive must take on this frame, and nothing else: the fastest form a
+// Receive could have. The input's silence read and written back; a delivery buffer from the
+// output pin with the input's marks; one pass under a re-entrant lock, as the segment is
+// processed; the copy; the length set, the delivery, the release.
+class SpecifiedSteps {
+ public:
+  explicit SpecifiedSteps(ReceiveRig& receive)
+      : m_input(receive.sample.Get()),
+        m_output(static_cast<CBaseOutputPin*>(receive.rig.host.instance->GetPin(1))) {}
+
+  void Run() {
+    ComPtr<ISampleSilence> silence;
+    if (SUCCEEDED(silence.QueryFrom(m_input, IID_ISampleSilence)))
+      silence->SetSilent(silence->GetSilent());
+    IMediaSample* out = nullptr;
+    if (FAILED(m_output->GetDeliveryBuffer(&out, nullptr, nullptr, 0))) return;
+    out->SetTime(nullptr, nullptr);
+    out->SetSyncPoint(m_input->IsSyncPoint() == S_OK);
+    out->SetDiscontinuity(m_input->IsDiscontinuity() == S_OK);
+    out->SetPreroll(m_input->IsPreroll() == S_OK);
+    const std::int32_t bytes = m_input->GetActualDataLength();
+    {
+      CAutoLock pass(m_lock);
+      std::uint8_t* from = nullptr;
+      std::uint8_t* to = nullptr;
+      m_input->GetPointer(&from);
+      out->GetPointer(&to);
+      std::memcpy(to, from, static_cast<std::size_t>(bytes));
+    }
+    out->SetActualDataLength(bytes);
+    m_output->Deliver(out);
+    out->Release();
+  }
+
+ private:
+  IMediaSample* m_input;
+  CBaseOutputPin* m_output;
+  CCritSec m_lock;
+};
+
+// The memcpy, Receive and Process of `range(0)` frames in turns, and the steps that a Receive
+// must take, a block of calls at a time; the median block of each, per call.
 void BM_InTurns(benchmark::State& state) {
   constexpr int kCallsPerBlock = 256;
   constexpr std::size_t kRounds = 1000;
@@ -135,6 +176,7 @@ void BM_InTurns(benchmark::State& state) {
   CopyRig copy(static_cast<std::size_t>(frames * kBlockAlign));
   ReceiveRig receive(frames);
   ProcessRig process(frames);
+  SpecifiedSteps steps(receive);
   const auto block = [](auto call) {
     const auto t0 = std::chrono::steady_clock::now();
     for (int i = 0; i < kCallsPerBlock; ++i) call();
@@ -143,11 +185,15 @@ void BM_InTurns(benchmark::State& state) {
   };
   std::vector<std::vector<double>> ns;
   for (auto _ : state) {
-    ns = InTurns(3, kRounds, [] {}, [&](std::size_t kind) {
+    ns = InTurns(4, kRounds, [] {}, [&](std::size_t kind) {
       switch (kind) {
         case 0: return block([&] { copy.Copy(); });
         case 1: return block([&] {
           benchmark::DoNotOptimize(receive.input->Receive(receive.sample.Get()));
+        });
+        case 2: return block([&] {
+          steps.Run();
+          benchmark::ClobberMemory();
         });
         default: return block([&] {
           benchmark::DoNotOptimize(process.Process());
@@ -158,7 +204,8 @@ void BM_InTurns(benchmark::State& state) {
   }
   ReportSamples(state, "memcpy", ns[0], "_ns", false);
   ReportSamples(state, "receive", ns[1], "_ns", false);
-  ReportSamples(state, "process", ns[2], "_ns", false);
+  ReportSamples(state, "specified_steps", ns[2], "_ns", false);
+  ReportSamples(state, "process", ns[3], "_ns", false);
 }
 
 std::vector<HostEventRecord> Events(std::int64_t count, std::int32_t tick) {
