@@ -17,8 +17,8 @@ struct RatioRow {
   std::string alsoShow;  // another counter printed beside, for both runs (e.g. "p99_us")
   // Where both sides were measured in one run, side by side: the baseline's own counters.
   // Empty means the same names as `counter` and `alsoShow`.
-  std::string baselineCounter;
-  std::string baselineAlsoShow;
+  std::string baselineCounter{};
+  std::string baselineAlsoShow{};
   // Compares ours minus the baseline, a fixed cost, which must stay at or under the target.
   bool difference = false;
 };
