@@ -131,9 +131,9 @@ void BM_Process(benchmark::State& state) {
 // Receive could have. The input's silence read and written back; a delivery buffer from the
 // output pin with the input's marks; one pass under a re-entrant lock, as the segment is
 // processed; the copy; the length set, the delivery, the release.
-class SpecifiedSteps {
+class RequiredSteps {
  public:
-  explicit SpecifiedSteps(ReceiveRig& receive)
+  explicit RequiredSteps(ReceiveRig& receive)
       : m_input(receive.sample.Get()),
         m_output(static_cast<CBaseOutputPin*>(receive.rig.host.instance->GetPin(1))) {}
 
@@ -176,7 +176,7 @@ void BM_InTurns(benchmark::State& state) {
   CopyRig copy(static_cast<std::size_t>(frames * kBlockAlign));
   ReceiveRig receive(frames);
   ProcessRig process(frames);
-  SpecifiedSteps steps(receive);
+  RequiredSteps steps(receive);
   const auto block = [](auto call) {
     const auto t0 = std::chrono::steady_clock::now();
     for (int i = 0; i < kCallsPerBlock; ++i) call();
@@ -204,7 +204,7 @@ void BM_InTurns(benchmark::State& state) {
   }
   ReportSamples(state, "memcpy", ns[0], "_ns", false);
   ReportSamples(state, "receive", ns[1], "_ns", false);
-  ReportSamples(state, "specified_steps", ns[2], "_ns", false);
+  ReportSamples(state, "required_steps", ns[2], "_ns", false);
   ReportSamples(state, "process", ns[3], "_ns", false);
 }
 
