@@ -150,6 +150,7 @@ std::int32_t CParamEnvelope::FindLocked(std::int64_t t) const noexcept {
 }
 
 void CParamEnvelope::Evaluate(std::int64_t t, std::int32_t rate) {
+  if (!m_hasSegments.load()) return;
   CAutoLock lock(*this);
   if (m_segments.empty()) return;
   const std::int32_t index = FindLocked(t);
@@ -228,6 +229,7 @@ void CParamEnvelope::AddSegments(const MP_ENVELOPE_SEGMENT* segments, std::uint3
                                      return std::memcmp(&a, &b, sizeof a) == 0;
                                    });
   m_segments.erase(repeats, m_segments.end());
+  NoteSegmentsLocked();
 }
 
 void CParamEnvelope::Flush(std::int64_t start, std::int64_t end, std::int32_t rate) {
@@ -239,12 +241,14 @@ void CParamEnvelope::Flush(std::int64_t start, std::int64_t end, std::int32_t ra
     return !clear;
   });
   m_evaluatedThrough = 0;
+  NoteSegmentsLocked();
   SettleLocked();
 }
 
 bool CParamEnvelope::AppendSegmentPositions(std::int64_t from, std::int64_t to, std::int32_t rate,
                                             std::size_t extra,
                                             std::vector<std::int64_t>& positions) {
+  if (!m_hasSegments.load()) return false;
   CAutoLock lock(*this);
   if (m_segments.empty()) return false;
   positions.reserve(positions.size() + extra + 2 * m_segments.size());

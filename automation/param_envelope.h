@@ -96,9 +96,14 @@ class CParamEnvelope : public CCritSec {
   std::int32_t FindLocked(std::int64_t t) const noexcept;
   void SettleLocked() noexcept;
   void ZeroDeltas() noexcept;
+  // [lock held] Publishes whether there are segments, after each change of them.
+  void NoteSegmentsLocked() noexcept { m_hasSegments.store(!m_segments.empty()); }
 
   ParamRow m_row;
   std::vector<MP_ENVELOPE_SEGMENT> m_segments;
+  // Whether m_segments has any, readable without the lock: a parameter that is not automated
+  // costs the streaming thread no lock per buffer.
+  std::atomic<bool> m_hasSegments{false};
   std::atomic<float> m_current{0.0f};
   std::atomic<double> m_firstDelta{0.0};
   std::atomic<double> m_secondDelta{0.0};

@@ -66,20 +66,30 @@ int RunWithRatios(int argc, char** argv, const std::vector<RatioRow>& rows) {
   for (const RatioRow& row : rows) {
     const auto* ours = reporter.Find(row.ours);
     const auto* baseline = reporter.Find(row.baseline);
+    const std::string& baselineCounter =
+        row.baselineCounter.empty() ? row.counter : row.baselineCounter;
     double a = 0, b = 0;
-    if (!ours || !baseline || !Read(*ours, row.counter, &a) || !Read(*baseline, row.counter, &b) ||
-        a <= 0 || b <= 0)
+    if (!ours || !baseline || !Read(*ours, row.counter, &a) ||
+        !Read(*baseline, baselineCounter, &b) || a <= 0 || b <= 0)
       continue;
     if (first) std::printf("\n");
     first = false;
-    const double ratio = row.speed ? b / a : a / b;
-    const bool met = row.speed ? ratio >= row.target : ratio <= row.target;
-    std::printf("ratio %s %.2fx%s (target %gx) %s", row.label.c_str(), ratio,
-                row.speed ? " speed" : "", row.target, met ? "met" : "NOT met");
+    if (row.difference) {
+      const double cost = a - b;
+      std::printf("ratio %s %.1f (target under %g) %s", row.label.c_str(), cost, row.target,
+                  cost <= row.target ? "met" : "missed");
+    } else {
+      const double ratio = row.speed ? b / a : a / b;
+      const bool met = row.speed ? ratio >= row.target : ratio <= row.target;
+      std::printf("ratio %s %.2fx%s (target %gx) %s", row.label.c_str(), ratio,
+                  row.speed ? " speed" : "", row.target, met ? "met" : "missed");
+    }
     if (!row.counter.empty()) std::printf("; %s %.1f against %.1f", row.counter.c_str(), a, b);
+    const std::string& baselineAlso =
+        row.baselineAlsoShow.empty() ? row.alsoShow : row.baselineAlsoShow;
     double extraOurs = 0, extraBaseline = 0;
     if (!row.alsoShow.empty() && Read(*ours, row.alsoShow, &extraOurs) &&
-        Read(*baseline, row.alsoShow, &extraBaseline))
+        Read(*baseline, baselineAlso, &extraBaseline))
       std::printf("; %s %.1f against %.1f", row.alsoShow.c_str(), extraOurs, extraBaseline);
     std::printf("\n");
   }

@@ -15,6 +15,12 @@ struct RatioRow {
   // baseline must stay at or under it.
   bool speed = false;
   std::string alsoShow;  // another counter printed beside, for both runs (e.g. "p99_us")
+  // Where both sides were measured in one run, side by side: the baseline's own counters.
+  // Empty means the same names as `counter` and `alsoShow`.
+  std::string baselineCounter{};
+  std::string baselineAlsoShow{};
+  // Compares ours minus the baseline, a fixed cost, which must stay at or under the target.
+  bool difference = false;
 };
 
 // With repetitions the median of each run is compared. Rows whose runs were filtered out are

@@ -98,6 +98,7 @@ struct CFilter::AudioPass {
   std::uint16_t inputAlign;
   std::uint16_t outputAlign;
   HRESULT processed = S_OK;  // the last answer of the processing class
+  bool flushed = false;      // the last segment ended with a flush of the voices
 
   HRESULT Apply(std::int64_t position) { return filter.ApplyParameters(position); }
   bool LastFailed() const { return FAILED(processed); }
@@ -107,6 +108,7 @@ struct CFilter::AudioPass {
     const HRESULT hr = filter.RunSegment(from, &input, outputs, outputCount, frames, processed);
     input.byteOffset += frames * inputAlign;
     for (std::int32_t i = 0; i < outputCount; ++i) outputs[i].byteOffset += frames * outputAlign;
+    flushed = true;
     return hr;
   }
 };
@@ -171,7 +173,11 @@ HRESULT CFilter::ReceiveAudio(IMediaSample* sample) {
 
   SendClockIfDue(position);
   m_inputSample.store(position + frames, std::memory_order_relaxed);
-  hr = FlushVoices(0);
+  // After a segment the flush that closes the buffer would find nothing to drop: the segment's
+  // own flush ran at this stream position, only a window pass or a move of the stream gives a
+  // flush more to do, and this processing class keeps every note it is asked about. So the
+  // lock it would take is spared.
+  hr = pass.flushed ? S_OK : FlushVoices(0);
   return FAILED(hr) ? hr : S_OK;
 }
 

@@ -57,6 +57,14 @@ void OverlayPrefix(std::vector<std::uint8_t>& block, const std::vector<std::uint
   std::copy_n(prefix.begin(), n, block.begin());
 }
 
+// Asks for the line that holds `object` without waiting for it.
+template <class T>
+void Prefetch(const T& object) noexcept {
+#if defined(__GNUC__)
+  __builtin_prefetch(&object);
+#endif
+}
+
 HostEventRecord SinkRecord(std::uint32_t message) {
   HostEventRecord r{};
   r.kind = HostEventRecord::kShortMessage;
@@ -72,16 +80,35 @@ COutputWorker::COutputWorker(const CHostConnection& connection, const CPortChoic
 
 COutputWorker::~COutputWorker() { EndAll(); }
 
-HRESULT COutputWorker::Post(const CStoredEvent& event) {
-  std::shared_ptr<WorkerRun> run;
+HRESULT COutputWorker::Post(const CStoredEvent& event) { return Enqueue(event, true); }
+
+HRESULT COutputWorker::Post(CStoredEvent&& event) { return Enqueue(std::move(event), true); }
+
+HRESULT COutputWorker::Queue(CStoredEvent&& event) { return Enqueue(std::move(event), false); }
+
+template <class Event>
+HRESULT COutputWorker::Enqueue(Event&& event, bool wake) {
+  std::shared_ptr<WorkerRun> toWake;
   {
-    CAutoLock lock(m_queueLock);
+    std::lock_guard lock(m_queueLock);
     if (!m_run) return E_FAIL;
-    m_outputQueue.push_back(event);
-    run = m_run;
+    m_outputQueue.push_back(std::forward<Event>(event));
+    // A wake still pending carries this event along: the worker takes the wake before the
+    // queue. So a burst of posts sets the event once.
+    if (wake && !m_run->wakeEvent.IsSet()) toWake = m_run;
   }
-  run->wakeEvent.Set();
+  if (toWake) toWake->wakeEvent.Set();
   return S_OK;
+}
+
+void COutputWorker::Wake() {
+  std::shared_ptr<WorkerRun> toWake;
+  {
+    std::lock_guard lock(m_queueLock);
+    if (!m_run || m_run->wakeEvent.IsSet()) return;
+    toWake = m_run;
+  }
+  toWake->wakeEvent.Set();
 }
 
 void COutputWorker::Start(NotifyHandle window) {
@@ -93,7 +120,7 @@ void COutputWorker::Start(NotifyHandle window) {
   auto run = std::make_shared<WorkerRun>();
   run->batch.reserve(kInitialQueueCapacity);
   {
-    CAutoLock queueLock(m_queueLock);
+    std::lock_guard queueLock(m_queueLock);
     m_outputQueue.clear();
     m_outputQueue.reserve(kInitialQueueCapacity);
     m_run = run;
@@ -107,7 +134,7 @@ void COutputWorker::Start(NotifyHandle window) {
 void COutputWorker::Stop() {
   std::shared_ptr<WorkerRun> run;
   {
-    CAutoLock queueLock(m_queueLock);
+    std::lock_guard queueLock(m_queueLock);
     if (!m_run) return;
     m_outputQueue.clear();
     run = std::exchange(m_run, nullptr);
@@ -123,7 +150,7 @@ void COutputWorker::EndAll() {
 }
 
 bool COutputWorker::IsRunning() const {
-  CAutoLock lock(m_queueLock);
+  std::lock_guard lock(m_queueLock);
   return m_run != nullptr;
 }
 
@@ -132,15 +159,27 @@ void COutputWorker::WorkerLoop(WorkerRun& run) {
     const int woken = WaitForEither(run.stopEvent, run.wakeEvent);
     if (woken == 0) break;
     if (woken != 1) continue;
+    PrefetchForBatch();
     RunBatch(run);
     run.drainedEvent.Set();
   }
   run.finished = true;
 }
 
+// Woken from a sleep, the worker finds cold all it reads on the way to the port. Asked for at
+// once, those lines arrive together instead of one miss after another.
+void COutputWorker::PrefetchForBatch() const noexcept {
+  Prefetch(m_queueLock);
+  Prefetch(m_connection.SharedPorts());
+  Prefetch(m_connection.SharedSink());
+  Prefetch(m_ports);
+  Prefetch(m_rechannel);
+  Prefetch(SendLock());
+}
+
 void COutputWorker::RunBatch(WorkerRun& run) {
   {
-    CAutoLock lock(m_queueLock);
+    std::lock_guard lock(m_queueLock);
     std::swap(m_outputQueue, run.batch);
   }
   CHostRefReader<IHostMidiPorts> ports(m_connection.SharedPorts());
@@ -199,23 +238,26 @@ void COutputWorker::SendShortMessages(const CStoredEvent& event, IHostInputSink*
 }
 
 void COutputWorker::CountAndShowOutput(std::uint32_t level) {
-  {
-    CAutoLock lock(CounterLock);
-    ++m_outputCount;
-  }
+  Count(false);
   PostNotify(m_notifyWindow, OutputActivityMessage(), level, 0);
 }
 
-void COutputWorker::CountInput() {
-  CAutoLock lock(CounterLock);
-  ++m_inputCount;
+void COutputWorker::CountInput() { Count(true); }
+
+// Each half wraps on its own, as an unsigned 32-bit count does.
+void COutputWorker::Count(bool input) {
+  std::uint64_t old = m_counts.load(std::memory_order_relaxed);
+  for (;;) {
+    const auto in = static_cast<std::uint32_t>(old >> 32) + (input ? 1u : 0u);
+    const auto out = static_cast<std::uint32_t>(old) + (input ? 0u : 1u);
+    if (m_counts.compare_exchange_weak(old, std::uint64_t{in} << 32 | out)) return;
+  }
 }
 
 void COutputWorker::Counters(std::uint32_t& received, std::uint32_t& sent, bool clear) {
-  CAutoLock lock(CounterLock);
-  received = m_inputCount;
-  sent = m_outputCount;
-  if (clear) m_inputCount = m_outputCount = 0;
+  const std::uint64_t counts = clear ? m_counts.exchange(0) : m_counts.load();
+  received = static_cast<std::uint32_t>(counts >> 32);
+  sent = static_cast<std::uint32_t>(counts);
 }
 
 std::shared_ptr<const std::vector<std::uint8_t>> COutputWorker::Prefix() const {

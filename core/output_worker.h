@@ -13,7 +13,6 @@
 #include "core/host_connection.h"
 #include "documents/stored_event.h"
 #include "interfaces/mfx_interfaces.h"
-#include "platform/lock.h"
 #include "platform/notify.h"
 #include "ports/port_choice.h"
 
@@ -33,6 +32,13 @@ class COutputWorker {
   // [any thread] Queues a deep copy and wakes the worker. E_FAIL, and the event is lost, while
   // the worker does not run.
   HRESULT Post(const CStoredEvent& event);
+  // [any thread] The same for an event made for the queue alone, which is moved there.
+  HRESULT Post(CStoredEvent&& event);
+  // [any thread] Queues as Post does but leaves the worker asleep, for a producer that queues a
+  // run of events and then wakes the worker once with Wake.
+  HRESULT Queue(CStoredEvent&& event);
+  // [any thread] Wakes the worker for what was queued, unless a wake is pending already.
+  void Wake();
   // [graph thread, instance lock] Empties the queue and starts a worker at the highest
   // priority, posting activity to `window`.
   void Start(NotifyHandle window);
@@ -61,19 +67,23 @@ class COutputWorker {
 
  private:
   friend class WorkerThread;
+  template <class Event>
+  HRESULT Enqueue(Event&& event, bool wake);
   void WorkerLoop(WorkerRun& run);
+  void PrefetchForBatch() const noexcept;
   void RunBatch(WorkerRun& run);
   void SendSysexEvent(WorkerRun& run, const CStoredEvent& event, IHostMidiPorts* ports,
                       MidiPortHandle handle);
   void SendShortMessages(const CStoredEvent& event, IHostInputSink* sink, IHostMidiPorts* ports,
                          MidiPortHandle handle);
   void CountAndShowOutput(std::uint32_t level);
+  void Count(bool input);
 
   const CHostConnection& m_connection;
   const CPortChoice& m_ports;
   IMfxInputPort* const m_sender;
 
-  mutable CCritSec m_queueLock;  // guards the queue and the current run
+  mutable std::mutex m_queueLock;  // guards the queue and the current run
   std::vector<CStoredEvent> m_outputQueue;  // a FIFO drained whole by the worker
   std::shared_ptr<WorkerRun> m_run;         // non-null while the worker runs
   std::vector<std::unique_ptr<WorkerThread>> m_threads;  // every worker not yet joined
@@ -83,7 +93,7 @@ class COutputWorker {
   mutable std::mutex m_prefixLock;  // guards the pointer; the bytes behind it never change
   std::shared_ptr<const std::vector<std::uint8_t>> m_sysexPrefix;
 
-  CCritSec CounterLock;
-  std::uint32_t m_outputCount = 0;
-  std::uint32_t m_inputCount = 0;
+  // The count of messages in (high half) and out (low half) in one word: a read that clears
+  // takes both at once, as under one lock, and counting takes no lock at all.
+  std::atomic<std::uint64_t> m_counts{0};
 };

@@ -18,11 +18,14 @@ class CSharedHostRef {
     {
       std::lock_guard lock(m_mutex);
       m_ref.Swap(ref);
+      m_present.store(static_cast<bool>(m_ref));
       m_version.fetch_add(1, std::memory_order_release);
     }
   }
-  // [any thread] The current reference, with a reference of the caller's own.
+  // [any thread] The current reference, with a reference of the caller's own. While there is
+  // none, no lock is taken: a host without a sink costs the worker nothing for it.
   ComPtr<T> Get() const {
+    if (!m_present.load()) return {};
     std::lock_guard lock(m_mutex);
     return m_ref;
   }
@@ -32,6 +35,7 @@ class CSharedHostRef {
  private:
   mutable std::mutex m_mutex;
   ComPtr<T> m_ref;
+  std::atomic<bool> m_present{false};  // whether m_ref is set, readable without the lock
   std::atomic<std::uint32_t> m_version{0};
 };
 

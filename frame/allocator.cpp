@@ -7,6 +7,8 @@
 
 namespace {
 
+constexpr std::size_t kCacheLine = 64;
+
 bool IsPowerOfTwo(std::int32_t n) { return n > 0 && (n & (n - 1)) == 0; }
 
 std::int64_t AlignUp(std::int64_t n, std::int64_t align) { return (n + align - 1) / align * align; }
@@ -70,7 +72,9 @@ HRESULT CMemAllocator::Commit() {
 HRESULT CMemAllocator::AllocateLocked() {
   const auto prefix = static_cast<std::size_t>(m_properties.cbPrefix);
   const auto stride = prefix + static_cast<std::size_t>(m_properties.cbBuffer);
-  const auto align = static_cast<std::size_t>(m_properties.cbAlign);
+  // The block starts on a cache line whatever the alignment asked for: a copy between two
+  // buffers that lie differently within their lines splits every load or store in two.
+  const auto align = std::max(static_cast<std::size_t>(m_properties.cbAlign), kCacheLine);
   const auto count = static_cast<std::size_t>(m_properties.cBuffers);
   if (stride > (SIZE_MAX - align) / count) return E_OUTOFMEMORY;
   const std::size_t used = stride * count;

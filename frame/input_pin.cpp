@@ -38,8 +38,7 @@ HRESULT CBaseInputPin::Receive(IMediaSample* sample) {
   if (!sample) return E_POINTER;
   const HRESULT hr = CheckStreaming();
   if (hr != S_OK) return hr;
-  CMediaType changed;
-  if (sample->GetMediaType(&changed) == S_OK && CheckMediaType(changed) != S_OK)
+  if (sample->GetMediaType(&m_sampleType) == S_OK && CheckMediaType(m_sampleType) != S_OK)
     return VFW_E_INVALIDMEDIATYPE;
   return S_OK;
 }

@@ -57,4 +57,9 @@ class CBaseInputPin : public CBasePin, public IMemInputPin {
   ComPtr<IMemAllocator> m_allocator;  // guarded by the filter lock
   std::atomic<bool> m_bFlushing{false};
   bool m_bReadOnly = false;
+
+ private:
+  // [streaming thread] Where Receive asks a sample for a new type. Kept from call to call: most
+  // samples carry none, and then nothing is built or torn down for the question.
+  CMediaType m_sampleType;
 };

@@ -3,7 +3,8 @@
 //
 // Each event sleeps its waiters on a mutex and condition variable of its own. The first wait on
 // two events together moves both onto one shared pair for good, so that waking the waiter of a
-// pair costs what waking a thread on a bare condition variable costs: one lock, one notify.
+// pair costs what waking a thread on a bare condition variable costs: one lock, one notify. A set
+// that finds no waiter asleep takes no lock at all.
 #pragma once
 
 #include <atomic>
@@ -21,6 +22,8 @@ class CAutoResetEvent {
 
   // [any thread] Signals the event; wakes one waiter or stays set until one comes.
   void Set();
+  // [any thread] Whether the event is set now; a snapshot, for a setter that can spare its set.
+  bool IsSet() const noexcept { return m_signalled.load(std::memory_order_acquire); }
   // [any thread] Waits until set, then clears it. Returns false after `timeoutMs` without it;
   // a negative timeout waits for ever.
   bool Wait(std::int64_t timeoutMs = -1);
@@ -29,8 +32,9 @@ class CAutoResetEvent {
   friend int WaitForEither(CAutoResetEvent& first, CAutoResetEvent& second, std::int64_t timeoutMs);
   struct Hub;
 
-  // Takes the signal if set. Lock-free, so the fast paths need no lock at all.
-  bool TryConsume() noexcept { return m_signalled.exchange(false, std::memory_order_acq_rel); }
+  // Takes the signal if set. Lock-free, so the fast paths need no lock at all. Sequentially
+  // consistent, as the pairing of a wait's sleeper mark with a set's look for sleepers needs.
+  bool TryConsume() noexcept { return m_signalled.exchange(false); }
   // Locks the hub this event sleeps on now: a Set or a Wait that raced with a move onto a shared
   // hub follows it there.
   std::unique_lock<std::mutex> LockHub(Hub*& hub);
@@ -43,7 +47,8 @@ class CAutoResetEvent {
   struct Hub {
     std::mutex mutex;
     std::condition_variable cv;
-    std::atomic<int> members{0};  // events on a shared hub; the last one to go frees it
+    std::atomic<int> members{0};   // events on a shared hub; the last one to go frees it
+    std::atomic<int> sleepers{0};  // waits that may sleep here: a set wakes only while some do
   };
 
   Hub m_own;

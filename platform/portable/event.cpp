@@ -9,6 +9,20 @@ using Clock = std::chrono::steady_clock;
 
 // A waiter on two events that each share a hub with someone else looks again this often.
 constexpr auto kLookAgain = std::chrono::milliseconds(1);
+// Counts a wait as a possible sleeper of its hub while it holds the hub's lock or sleeps there.
+// It counts itself before its last look at the signals, and a set raises its signal before it
+// looks for sleepers: so either the wait sees the signal or the set sees the wait and wakes it.
+template <class Hub>
+class SleeperMark {
+ public:
+  explicit SleeperMark(Hub& hub) noexcept : m_hub(hub) { m_hub.sleepers.fetch_add(1); }
+  ~SleeperMark() { m_hub.sleepers.fetch_sub(1); }
+  SleeperMark(const SleeperMark&) = delete;
+  SleeperMark& operator=(const SleeperMark&) = delete;
+
+ private:
+  Hub& m_hub;
+};
 
 Clock::time_point DeadlineAfter(std::int64_t timeoutMs) {
   return timeoutMs < 0 ? Clock::time_point::max()
@@ -30,19 +44,22 @@ CAutoResetEvent::~CAutoResetEvent() {
 
 std::unique_lock<std::mutex> CAutoResetEvent::LockHub(Hub*& hub) {
   for (;;) {
-    hub = m_hub.load(std::memory_order_acquire);
+    hub = m_hub.load();
     std::unique_lock lock(hub->mutex);
-    if (m_hub.load(std::memory_order_acquire) == hub) return lock;
+    if (m_hub.load() == hub) return lock;
   }
 }
 
 void CAutoResetEvent::Set() {
-  // A burst of posts finds the event still set: nothing to do, and no lock to take for it.
-  if (m_signalled.load(std::memory_order_acquire)) return;
+  // A burst of posts finds the event still set: nothing to do.
+  if (m_signalled.load(std::memory_order_acquire) || m_signalled.exchange(true)) return;
+  // No wait may sleep on the hub: the next one sees the signal, and no lock is needed.
+  if (m_hub.load()->sleepers.load() == 0) return;
   Hub* hub = nullptr;
   {
+    // A wait that counted itself holds this lock until it sleeps: taking it once makes sure
+    // that the notify below finds it asleep.
     const auto lock = LockHub(hub);
-    if (m_signalled.exchange(true, std::memory_order_acq_rel)) return;
   }
   // Outside the lock, so the waiter does not wake into it. The hub outlives this call: it is
   // our own, or a shared one that this event keeps alive.
@@ -60,7 +77,8 @@ bool CAutoResetEvent::Wait(std::int64_t timeoutMs) {
   for (;;) {
     Hub* hub = nullptr;
     auto lock = LockHub(hub);
-    while (m_hub.load(std::memory_order_acquire) == hub) {
+    const SleeperMark mark(*hub);
+    while (m_hub.load() == hub) {
       if (TryConsume()) return true;
       if (deadline == Clock::time_point::max()) {
         hub->cv.wait(lock);
@@ -76,7 +94,7 @@ void CAutoResetEvent::MoveTo(Hub* shared) {
   shared->members.fetch_add(1, std::memory_order_acq_rel);
   {
     std::lock_guard lock(m_own.mutex);
-    m_hub.store(shared, std::memory_order_release);
+    m_hub.store(shared);
   }
   m_own.cv.notify_all();  // waits asleep on the own hub follow the event
 }
@@ -118,11 +136,11 @@ int WaitForEither(CAutoResetEvent& first, CAutoResetEvent& second, std::int64_t 
   const auto deadline = DeadlineAfter(timeoutMs);
   CAutoResetEvent::Hub* const shared = CAutoResetEvent::Bind(first, second);
   // Without a shared hub a Set on `second` wakes nobody here; the waits below are cut short.
-  CAutoResetEvent::Hub* const hub = shared ? shared : first.m_hub.load(std::memory_order_acquire);
+  CAutoResetEvent::Hub* const hub = shared ? shared : first.m_hub.load();
   std::unique_lock lock(hub->mutex);
+  const SleeperMark mark(*hub);
   for (;;) {
-    // Sets of both events take this lock when it is shared, so none can fall between these
-    // checks and the wait.
+    // A set of either event that this look misses sees the mark and wakes the wait below.
     if (first.TryConsume()) return 0;
     if (second.TryConsume()) return 1;
     const auto until = shared ? deadline : std::min(deadline, Clock::now() + kLookAgain);

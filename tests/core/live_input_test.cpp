@@ -83,4 +83,24 @@ TEST(LiveInput, AnswersForBadListsAndMissingHosts) {
   EXPECT_EQ(rig.instance->OnInput(0, &empty), S_OK);
 }
 
+// The worker is woken once a list is over, however it ends: what was handled before a failing
+// item goes out, and the next list is not held up behind it.
+TEST(LiveInput, WhatPrecedesAFailingItemGoesOutInOrder) {
+  ConnectedRig rig;
+  rig.EnableOutput();
+  rig.Start();
+  FakeDataList failing({Live(0x90, 1, 1), Live(0x90, 2, 2), Live(0x90, 3, 3)});
+  failing.FailAt(2);
+  EXPECT_EQ(rig.instance->OnInput(0, &failing), E_FAIL);
+  ASSERT_TRUE(rig.ports.WaitForSends(2, 2000));
+  FakeDataList next({Live(0x80, 1, 0)});
+  EXPECT_EQ(rig.instance->OnInput(0, &next), S_OK);
+  ASSERT_TRUE(rig.ports.WaitForSends(3, 2000));
+  const auto sent = rig.ports.Sends();
+  EXPECT_EQ(sent[0].message, Live(0x90, 1, 1).message);
+  EXPECT_EQ(sent[1].message, Live(0x90, 2, 2).message);
+  EXPECT_EQ(sent[2].message, Live(0x80, 1, 0).message);
+  rig.Stop();
+}
+
 }  // namespace

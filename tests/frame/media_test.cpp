@@ -123,6 +123,22 @@ class Allocated : public ::testing::Test {
   HRESULT last = S_OK;
 };
 
+// Two pools asked for no alignment still lie alike within their cache lines, so a copy from one
+// to the other splits no load and no store; the properties stay as asked.
+TEST_F(Allocated, BuffersStartOnACacheLineWhateverTheAlignmentAsked) {
+  for (const std::int32_t size : {64, 4096, 8192}) {
+    Make(false, {3, size, 1, 0});
+    ALLOCATOR_PROPERTIES held{};
+    allocator->GetProperties(&held);
+    EXPECT_EQ(held.cbAlign, 1);
+    EXPECT_EQ(held.cbBuffer, size);
+    auto first = Get();
+    std::uint8_t* data = nullptr;
+    first->GetPointer(&data);
+    EXPECT_EQ(reinterpret_cast<std::uintptr_t>(data) % 64, 0u) << size;
+  }
+}
+
 TEST_F(Allocated, GetTimeTellsUnsetStartOnlyAndBoth) {
   auto sample = Get();
   REFERENCE_TIME start = -7, stop = -7;

@@ -80,18 +80,30 @@ HRESULT FakeMidiPorts::GetOutputPortName(std::int32_t index, wchar_t* name, std:
   return CopyName(m_outputs, index, name, capacity);
 }
 
+FakeMidiPorts::FakeMidiPorts() { PublishHandles(); }
+
+// The count goes up before the waiters are looked for, and a waiter counts itself before it
+// reads the count: one of the two sees the other, so no wake is lost.
 HRESULT FakeMidiPorts::GetOutputPortHandle(std::int32_t index, MidiPortHandle* handle) {
-  std::unique_lock lock(m_mutex);
-  ++m_handleQueries;
-  m_cv.notify_all();
-  m_cv.wait_for(lock, std::chrono::seconds(2), [&] { return !m_holdQueries; });
+  m_handleQueries.fetch_add(1);
+  if (m_queryWaiters.load() > 0 || m_holdQueries.load()) {
+    std::unique_lock lock(m_mutex);
+    m_cv.notify_all();
+    m_cv.wait_for(lock, std::chrono::seconds(2), [&] { return !m_holdQueries.load(); });
+  }
   if (!handle) return E_POINTER;
-  if (index < 0 || static_cast<std::size_t>(index) >= m_handles.size()) {
+  const std::vector<MidiPortHandle>& handles = *m_queryHandles.load();
+  if (index < 0 || static_cast<std::size_t>(index) >= handles.size()) {
     *handle = 0;
     return E_INVALIDARG;
   }
-  *handle = m_handles[static_cast<std::size_t>(index)];
+  *handle = handles[static_cast<std::size_t>(index)];
   return S_OK;
+}
+
+void FakeMidiPorts::PublishHandles() {
+  m_publishedHandles.push_back(std::make_unique<const std::vector<MidiPortHandle>>(m_handles));
+  m_queryHandles.store(m_publishedHandles.back().get());
 }
 
 void FakeMidiPorts::Record(Sent sent) {
@@ -174,6 +186,7 @@ void FakeMidiPorts::SetOutputs(std::vector<std::wstring> names) {
   m_outputs = std::move(names);
   m_handles.resize(m_outputs.size());
   for (std::size_t i = 0; i < m_handles.size(); ++i) m_handles[i] = i + 1;
+  PublishHandles();
 }
 
 void FakeMidiPorts::SetInputs(std::vector<std::wstring> names) {
@@ -184,6 +197,7 @@ void FakeMidiPorts::SetInputs(std::vector<std::wstring> names) {
 void FakeMidiPorts::SetOutputHandle(std::int32_t index, MidiPortHandle handle) {
   std::lock_guard lock(m_mutex);
   m_handles.at(static_cast<std::size_t>(index)) = handle;
+  PublishHandles();
 }
 
 void FakeMidiPorts::SetShortSendHook(void (*hook)(void*, std::uint32_t), void* context) {
@@ -209,15 +223,18 @@ void FakeMidiPorts::HoldHandleQueries(bool hold) {
   m_cv.notify_all();
 }
 
-std::size_t FakeMidiPorts::HandleQueries() const {
-  std::lock_guard lock(m_mutex);
-  return m_handleQueries;
-}
+std::size_t FakeMidiPorts::HandleQueries() const { return m_handleQueries.load(); }
 
 bool FakeMidiPorts::WaitForHandleQueries(std::size_t count, int timeoutMs) const {
-  std::unique_lock lock(m_mutex);
-  return m_cv.wait_for(lock, std::chrono::milliseconds(timeoutMs),
-                       [&] { return m_handleQueries >= count; });
+  m_queryWaiters.fetch_add(1);
+  bool reached = false;
+  {
+    std::unique_lock lock(m_mutex);
+    reached = m_cv.wait_for(lock, std::chrono::milliseconds(timeoutMs),
+                            [&] { return m_handleQueries.load() >= count; });
+  }
+  m_queryWaiters.fetch_sub(1);
+  return reached;
 }
 
 bool FakeMidiPorts::WaitForSends(std::size_t count, int timeoutMs) const {

@@ -3,10 +3,12 @@
 // ports (with or without their second version), as a host's context object does.
 #pragma once
 
+#include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <cstdint>
 #include <deque>
+#include <memory>
 #include <mutex>
 #include <optional>
 #include <string>
@@ -71,7 +73,7 @@ class FakePinObserver final : public FakeUnknown<IHostPinObserver> {
 // request the outputs are looped back: what is sent arrives on chosen instances' inputs.
 class FakeMidiPorts final : public FakeUnknown<IHostMidiPorts2> {
  public:
-  FakeMidiPorts() = default;
+  FakeMidiPorts();
   ~FakeMidiPorts();
   FakeMidiPorts(const FakeMidiPorts&) = delete;
   FakeMidiPorts& operator=(const FakeMidiPorts&) = delete;
@@ -124,7 +126,8 @@ class FakeMidiPorts final : public FakeUnknown<IHostMidiPorts2> {
   // Waits until at least `count` sends arrived; false after `timeoutMs`.
   bool WaitForSends(std::size_t count, int timeoutMs) const;
   // How often the output handle was asked for. The worker asks once per batch, after taking it
-  // from the queue: a test knows a batch is in hand without guessing how long that takes.
+  // from the queue: a test knows a batch is in hand without guessing how long that takes. A
+  // query takes no lock unless it is held or waited for, so it costs the worker next to nothing.
   std::size_t HandleQueries() const;
   // Waits until the handle was asked for at least `count` times; false after `timeoutMs`.
   bool WaitForHandleQueries(std::size_t count, int timeoutMs) const;
@@ -148,6 +151,8 @@ class FakeMidiPorts final : public FakeUnknown<IHostMidiPorts2> {
 
  private:
   void Record(Sent sent);
+  // [set-up, m_mutex] Makes m_handles what queries read from now on.
+  void PublishHandles();
   static HRESULT CopyName(const std::vector<std::wstring>& names, std::int32_t index,
                           wchar_t* name, std::uint32_t capacity);
 
@@ -156,10 +161,14 @@ class FakeMidiPorts final : public FakeUnknown<IHostMidiPorts2> {
   std::vector<std::wstring> m_inputs;
   std::vector<std::wstring> m_outputs{L"Out A"};
   std::vector<MidiPortHandle> m_handles{1};
+  // What queries read, without the lock: every published copy of m_handles stays until the end.
+  std::vector<std::unique_ptr<const std::vector<MidiPortHandle>>> m_publishedHandles;
+  std::atomic<const std::vector<MidiPortHandle>*> m_queryHandles{nullptr};
+  std::atomic<std::size_t> m_handleQueries{0};
+  mutable std::atomic<int> m_queryWaiters{0};  // threads in WaitForHandleQueries
+  std::atomic<bool> m_holdQueries{false};
   std::vector<Sent> m_sent;
   std::size_t m_sendCount = 0;
-  std::size_t m_handleQueries = 0;
-  bool m_holdQueries = false;
   std::vector<std::int32_t> m_usedInputs, m_usedOutputs;
   bool m_offerVersion2 = true;
   std::optional<std::vector<std::optional<std::int32_t>>> m_inputIds, m_outputIds;
