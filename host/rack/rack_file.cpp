@@ -166,14 +166,9 @@ RackInstance ReadInstance(const Json& entry) {
 
 }  // namespace
 
-std::optional<Rack> LoadRackFile(const std::filesystem::path& path, std::string& error) {
-  std::ifstream file(path, std::ios::binary);
-  if (!file) {
-    error = "rack file " + path.string() + " cannot be read";
-    return std::nullopt;
-  }
+std::optional<Rack> ParseRack(std::string_view text, std::string& fault) {
   try {
-    const Json json = Json::parse(file);
+    const Json json = Json::parse(text.begin(), text.end());
     if (!json.is_object() || json.value("format", "") != "tarn-rack")
       throw std::runtime_error("it is not a tarn rack (\"format\" must be \"tarn-rack\")");
     if (json.value("version", 0) != 1) throw std::runtime_error("its \"version\" is not 1");
@@ -184,12 +179,25 @@ std::optional<Rack> LoadRackFile(const std::filesystem::path& path, std::string&
     for (const Json& entry : json.at("instances")) rack.instances.push_back(ReadInstance(entry));
     return rack;
   } catch (const std::exception& e) {
-    error = "rack file " + path.string() + " is not valid: " + e.what();
+    fault = e.what();
     return std::nullopt;
   }
 }
 
-bool SaveRackFile(const std::filesystem::path& path, const Rack& rack, std::string& error) {
+std::optional<Rack> LoadRackFile(const std::filesystem::path& path, std::string& error) {
+  std::ifstream file(path, std::ios::binary);
+  std::ostringstream text;
+  if (!file || !(text << file.rdbuf())) {
+    error = "rack file " + path.string() + " cannot be read";
+    return std::nullopt;
+  }
+  std::string fault;
+  auto rack = ParseRack(text.str(), fault);
+  if (!rack) error = "rack file " + path.string() + " is not valid: " + fault;
+  return rack;
+}
+
+std::string RackText(const Rack& rack) {
   Json json;
   json["format"] = "tarn-rack";
   json["version"] = 1;
@@ -204,7 +212,11 @@ bool SaveRackFile(const std::filesystem::path& path, const Rack& rack, std::stri
     if (!instance.envelopesText.empty()) entry["envelopes"] = Json::parse(instance.envelopesText);
     json["instances"].push_back(std::move(entry));
   }
-  const std::string text = json.dump(2) + "\n";
+  return json.dump(2) + "\n";
+}
+
+bool SaveRackFile(const std::filesystem::path& path, const Rack& rack, std::string& error) {
+  const std::string text = RackText(rack);
 
   std::filesystem::path temporary = path;
   temporary += ".saving";
