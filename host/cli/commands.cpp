@@ -10,11 +10,13 @@
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
+#include <memory>
 #include <mutex>
 #include <sstream>
 #include <thread>
 
 #include "host/audio/offline_driver.h"
+#include "host/cli/live_feed.h"
 #include "host/midi/port_traffic.h"
 #include "host/plugin/synth_catalog.h"
 #include "host/rack/live_rack.h"
@@ -65,9 +67,9 @@ void PrintSummary(CLiveRack& live) {
   for (LiveInstance& instance : live.Instances()) {
     std::uint32_t received = 0, sent = 0;
     if (instance.myFilter) instance.myFilter->GetEventCounters(&received, &sent, 0);
-    std::printf("instance %zu \"%s\": %u sent, %u received, %zu handed to the host\n",
+    std::printf("instance %zu \"%s\": %u sent, %u received, %lld handed to the host\n",
                 instance.number, instance.entry.name.c_str(), sent, received,
-                instance.context->SinkMessages().size());
+                static_cast<long long>(instance.context->SinkCount()));
   }
 }
 
@@ -202,6 +204,62 @@ CAudioDriver::Progress LoopingTransport(const RunOptions& options, const RackSet
              std::int64_t frames) mutable {
     for (; (loops + 1) * loopFrames <= frames; ++loops) live.Loop(start + loopTicks, start);
   };
+}
+
+// The instances listening on input `port` (from 0), with what each took in and sent out.
+struct ListenerCounts {
+  std::size_t listeners = 0;
+  std::int64_t received = 0;
+  std::int64_t sent = 0;
+};
+ListenerCounts CountListeners(CLiveRack& live, std::int32_t port) {
+  ListenerCounts counts;
+  for (LiveInstance& instance : live.Instances()) {
+    std::int32_t chosen = -1;
+    if (!instance.myFilter || FAILED(instance.myFilter->GetInputPortIndex(&chosen)) ||
+        chosen != port)
+      continue;
+    std::uint32_t received = 0, sent = 0;
+    instance.myFilter->GetEventCounters(&received, &sent, 0);
+    ++counts.listeners;
+    counts.received += received;
+    counts.sent += sent;
+  }
+  return counts;
+}
+
+// After the feed: the workers get the time to send what they took before the graph stops, which
+// would drop it. Ten seconds at most; done once what went out stops growing or catches up.
+void WaitForListeners(CLiveRack& live, std::int32_t port) {
+  const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+  std::int64_t last = -1;
+  for (;;) {
+    const ListenerCounts counts = CountListeners(live, port);
+    if (counts.sent >= counts.received || counts.sent == last ||
+        std::chrono::steady_clock::now() > deadline)
+      return;
+    last = counts.sent;
+    std::this_thread::sleep_for(std::chrono::milliseconds(200));
+  }
+}
+
+// The feed's account: every message fed should come in at each listener and go out once. False
+// when anything was lost (reported).
+bool PrintFeed(CLiveRack& live, const CLiveFeed& feed, const RunOptions& options,
+               std::int64_t memoryBefore, std::int64_t memoryAfter) {
+  const ListenerCounts counts = CountListeners(live, options.feedPort - 1);
+  const std::int64_t expected = feed.Fed() * static_cast<std::int64_t>(counts.listeners);
+  const std::int64_t lost = expected - std::min(counts.received, counts.sent);
+  std::printf("live input: %lld messages fed to input %d at %g a second, %zu instances listening\n",
+              static_cast<long long>(feed.Fed()), options.feedPort, *options.feedRate,
+              counts.listeners);
+  std::printf("live input: %lld in, %lld received, %lld out, %lld lost\n",
+              static_cast<long long>(expected), static_cast<long long>(counts.received),
+              static_cast<long long>(counts.sent), static_cast<long long>(lost));
+  std::printf("memory: %lld kB resident when the feed began, %lld kB when it ended\n",
+              static_cast<long long>(memoryBefore), static_cast<long long>(memoryAfter));
+  if (lost != 0) Report(options.rack.string() + ": live input was lost");
+  return lost == 0;
 }
 
 // A rack's instances made and their states loaded with no worker running, so nothing is sent:
@@ -364,9 +422,19 @@ int RunCommand(const RunOptions& options) {
     const auto start = std::chrono::steady_clock::now();
     live.Run(&source, &sink);
     live.Start(options.startTick);
+    std::unique_ptr<CLiveFeed> feed;
+    const std::int64_t memoryBefore = ResidentKilobytes();
+    if (options.feedRate)
+      feed = std::make_unique<CLiveFeed>(live, options.feedPort - 1, *options.feedRate);
     streamed = driver->Stream(source, LoopingTransport(options, rack->settings, live), error);
     if (!streamed) Report(options.rack.string() + ": " + error);
     std::this_thread::sleep_until(start + std::chrono::duration<double>(options.seconds));
+    std::int64_t memoryAfter = 0;
+    if (feed) {
+      feed->Stop();
+      memoryAfter = ResidentKilobytes();
+      WaitForListeners(live, options.feedPort - 1);
+    }
     live.StopTransport();
     live.Stop(&source, &sink);
     traffic.Drain();
@@ -374,6 +442,7 @@ int RunCommand(const RunOptions& options) {
     std::fflush(stdout);
     PrintSummary(live);
     PrintEnvelopeEnds(live);
+    if (feed && !PrintFeed(live, *feed, options, memoryBefore, memoryAfter)) ++errors.count;
     if (options.save && SaveRack(*options.save, *rack, live))
       std::printf("saved %s\n", options.save->c_str());
     else if (options.save)

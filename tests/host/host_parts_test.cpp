@@ -61,6 +61,21 @@ TEST_F(HostContextTest, AnswersEveryHostInterfaceAndPassesPortsThrough) {
   EXPECT_EQ(m_context->SinkMessages(), std::vector<std::uint32_t>{0x00643AB0});
 }
 
+// A host that runs for hours must not keep every message it was handed.
+TEST_F(HostContextTest, TheSinkCountsEverythingAndKeepsOnlyTheLatest) {
+  HostEventRecord record{};
+  const std::size_t total = CHostContext::kSinkKept + 5;
+  for (std::uint32_t i = 0; i < total; ++i) {
+    record.SetMessage(0x90 | i << 8);
+    ASSERT_EQ(m_context->OnSinkEvent(nullptr, &record), S_OK);
+  }
+  EXPECT_EQ(m_context->SinkCount(), static_cast<std::int64_t>(total));
+  const auto kept = m_context->SinkMessages();
+  ASSERT_EQ(kept.size(), CHostContext::kSinkKept);
+  EXPECT_EQ(kept.front(), 0x90u | 5u << 8);
+  EXPECT_EQ(kept.back(), 0x90u | (total - 1) << 8);
+}
+
 class RackFileTest : public ::testing::Test {
  protected:
   RackFileTest() {
