@@ -51,6 +51,7 @@ TEST(PortFaults, RefusedSendsAreNotCountedAndTheNextOnesGoOut) {
   const std::uint8_t block[] = {0xF0, 0x01, 0xF7};
   rig.instance->SendSysexData(0, block, sizeof block);
   rig.instance->PostToWorker(Message(0x90, 3, 3));
+  ASSERT_TRUE(rig.ports.WaitForSendsBegun(4, 5000));
   ASSERT_TRUE(rig.sink.WaitForRecords(3, 5000));
   EXPECT_TRUE(Eventually([&] { return Sent(rig) == 1; })) << "only the sysex counts";
   EXPECT_EQ(rig.ports.SendCount(), 0u);

@@ -215,7 +215,19 @@ void Stress::DestroyAsleep(Slot& slot) {
 // with work queued (a stop drops the queue). Refused posts never go out. Each send is counted,
 // and so is each live input.
 void Stress::Verify(Slot& slot) {
-  const auto sends = slot.rig->ports.Sends();
+  // A worker stopped with a batch in hand may still be sending it: take the sends once they
+  // and the count agree, the worker counting just after the port has taken each message.
+  std::vector<FakeMidiPorts::Sent> sends;
+  std::uint32_t received = 0, counted = 0;
+  const auto deadline = Clock::now() + kPatience;
+  for (;;) {
+    sends = slot.rig->ports.Sends();
+    slot.rig->instance->GetEventCounters(&received, &counted, 0);
+    if (counted == sends.size() || Clock::now() > deadline) break;
+    std::this_thread::sleep_for(1ms);
+  }
+  EXPECT_EQ(counted, sends.size()) << "every send is counted";
+  EXPECT_EQ(received, static_cast<std::uint32_t>(slot.liveInputs)) << "every live input counted";
   std::array<std::vector<std::uint32_t>, kProducers> sent;
   for (const auto& s : sends) {
     const Decoded d = Decode(s);
@@ -250,14 +262,6 @@ void Stress::Verify(Slot& slot) {
     ASSERT_EQ(at, out.size()) << "producer " << p << ": a send matches no accepted post";
     m_tally.sent += static_cast<long>(out.size());
   }
-  std::uint32_t received = 0, counted = 0;
-  const auto deadline = Clock::now() + kPatience;
-  do {  // the worker counts just after the port has taken the message
-    slot.rig->instance->GetEventCounters(&received, &counted, 0);
-  } while (counted != sends.size() && Clock::now() < deadline &&
-           (std::this_thread::sleep_for(1ms), true));
-  EXPECT_EQ(counted, sends.size()) << "every send is counted";
-  EXPECT_EQ(received, static_cast<std::uint32_t>(slot.liveInputs)) << "every live input counted";
 }
 
 void Stress::Produce(Slot& slot, std::size_t producer) {
