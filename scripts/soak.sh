@@ -20,9 +20,11 @@ cp build/default/module/libtarn.so "$work/"  # its devices.xml stays in the work
 host=(build/default/host/tarn-host --registry "$work/registry")
 "${host[@]}" register "$work/libtarn.so" >/dev/null
 "${host[@]}" new "$work/soak.json" --count "$count" >/dev/null
-printf '%s' '<Config><MIDIInputPort Name="Virtual In 1"/><MIDIOutputPort Name="Virtual Out 2"/></Config>' \
-  >"$work/ports.xml"
-for i in $(seq 1 "$count"); do "${host[@]}" config "$work/soak.json" "$i" --set "$work/ports.xml" >/dev/null; done
+ports='<Config><MIDIInputPort Name="Virtual In 1"/><MIDIOutputPort Name="Virtual Out 2"/></Config>'
+printf '%s' "$ports" >"$work/ports.xml"
+for i in $(seq 1 "$count"); do
+  "${host[@]}" config "$work/soak.json" "$i" --set "$work/ports.xml" >/dev/null
+done
 
 echo "soak: $count instances, $rate messages a second into Virtual In 1, ${minutes} min"
 "${host[@]}" run "$work/soak.json" --seconds "$seconds" --quiet --feed "$rate" --feed-port 1 \

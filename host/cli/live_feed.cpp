@@ -22,7 +22,8 @@ void CLiveFeed::Feed(CLiveRack& live, std::int32_t port, double perSecond) {
   const auto start = Clock::now();
   const std::chrono::duration<double> interval(1.0 / perSecond);
   for (std::int64_t i = 0; !m_stopping; ++i) {
-    std::this_thread::sleep_until(start + std::chrono::duration_cast<Clock::duration>(interval * i));
+    const auto due = std::chrono::duration_cast<Clock::duration>(interval * static_cast<double>(i));
+    std::this_thread::sleep_until(start + due);
     const auto note = static_cast<std::uint32_t>(36 + (i / 2) % 48);
     const std::uint32_t message = i % 2 == 0 ? 0x90 | note << 8 | 100u << 16 : 0x80 | note << 8;
     live.DeliverInput(port, message);

@@ -1,5 +1,6 @@
 #include "tests/faults/fault_tally.h"
 
+#include <atomic>
 #include <cstdio>
 
 #include <gtest/gtest.h>
