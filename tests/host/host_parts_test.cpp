@@ -120,6 +120,9 @@ TEST_F(RackFileTest, SettingsOutOfRangeOrOfTheWrongTypeRefuseTheFile) {
       {R"({"bpm":0})", "\"bpm\" must lie between 1 and 1000"},
       {R"({"midiPorts":1000})", "\"midiPorts\" must lie between 1 and 64"},
       {R"({"bpm":"fast"})", "type must be number"},
+      {R"({"sampleRate":44E100})", "\"sampleRate\" must be a whole number"},
+      {R"({"midiPorts":2.5})", "\"midiPorts\" must be a whole number"},
+      {R"({"bufferFrames":4294967552})", "\"bufferFrames\" must be a whole number"},
   };
   for (const auto& [settings, why] : cases) {
     std::string error;
@@ -142,6 +145,17 @@ TEST_F(RackFileTest, AFaultyEntryIsMarkedAndTheOthersKept) {
   EXPECT_EQ(rack->instances[2].problem, "its \"state\" is not hex text");
   EXPECT_EQ(rack->instances[3].problem, "");
   EXPECT_EQ(rack->instances[3].state, (std::vector<std::uint8_t>{0x0A, 0xFF}));
+}
+
+TEST_F(RackFileTest, AnEnvelopeValueNoParameterCanHoldMarksItsEntry) {
+  std::string error;
+  const auto rack = LoadRackFile(Write(R"({"format":"tarn-rack","version":1,"instances":[
+      {"class":"{X}","envelopes":[{"param":0,"segments":[
+        {"start":0,"end":1,"from":1e300,"to":0}]}]}]})"),
+                                 error);
+  ASSERT_TRUE(rack) << error;
+  EXPECT_EQ(rack->instances[0].problem,
+            "its envelopes are not valid: envelope 1 segment 1 has \"from\" out of range");
 }
 
 }  // namespace
