@@ -178,6 +178,10 @@ void COutputWorker::PrefetchForBatch() const noexcept {
 }
 
 void COutputWorker::RunBatch(WorkerRun& run) {
+  // A worker left over from before a Stop may still be in its last batch: this one takes its
+  // turn after that batch, so what was posted later goes out later.
+  std::lock_guard turn(m_sendTurn);
+  if (run.aborted) return;
   {
     std::lock_guard lock(m_queueLock);
     std::swap(m_outputQueue, run.batch);

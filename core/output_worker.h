@@ -43,7 +43,9 @@ class COutputWorker {
   // priority, posting activity to `window`.
   void Start(NotifyHandle window);
   // [graph thread, instance lock] Drops what is queued and asks the worker to end. Returns at
-  // once: a worker inside a batch finishes that batch, pauses included, then ends.
+  // once: a worker inside a batch finishes that batch, pauses included, then ends. A worker
+  // started after it sends its first batch only once that batch is done, so the order of
+  // posts holds across a stop and a start.
   void Stop();
   // [destruction] Stops the worker and waits for every worker thread, cutting pauses short.
   void EndAll();
@@ -83,6 +85,7 @@ class COutputWorker {
   const CPortChoice& m_ports;
   IMfxInputPort* const m_sender;
 
+  std::mutex m_sendTurn;  // held by a worker through each batch; taken before m_queueLock
   mutable std::mutex m_queueLock;  // guards the queue and the current run
   std::vector<CStoredEvent> m_outputQueue;  // a FIFO drained whole by the worker
   std::shared_ptr<WorkerRun> m_run;         // non-null while the worker runs

@@ -226,12 +226,12 @@ std::optional<std::uint64_t> BytesLeft(IStream& stream) {
   return stat.cbSize.QuadPart - position.QuadPart;
 }
 
-// Up to `length` bytes of text, zero-terminated. A stream that tells its size gets one buffer
-// of what it holds; others are read in blocks that grow with what has arrived. Either way a
-// length field larger than the stream costs no more than the stream's bytes. The result of a
-// read is not needed beyond its count: a short or failed read ends the text where it stands,
-// and no byte past what arrived is ever read.
-std::unique_ptr<char[]> ReadText(IStream& stream, std::uint32_t length) {
+// Up to `length` bytes of text, zero-terminated, into `text`. A stream that tells its size gets
+// one buffer of what it holds; others are read in blocks that grow with what has arrived. Either
+// way a length field larger than the stream costs no more than the stream's bytes. A short read
+// ends the text where it stands, and no byte past what arrived is ever read; a failed read is
+// the answer, so that a stream that breaks is not taken for a shorter state.
+HRESULT ReadText(IStream& stream, std::uint32_t length, std::unique_ptr<char[]>& result) {
   constexpr std::size_t kFirstBlock = 64 * 1024;
   std::size_t capacity = kFirstBlock;
   if (const auto left = BytesLeft(stream)) capacity = static_cast<std::size_t>(*left);
@@ -249,11 +249,13 @@ std::unique_ptr<char[]> ReadText(IStream& stream, std::uint32_t length) {
     const auto want = static_cast<ULONG>(capacity - filled);
     ULONG read = 0;
     const HRESULT hr = stream.Read(text.get() + filled, want, &read);
+    if (FAILED(hr)) return hr;
     filled += std::min<ULONG>(read, want);
-    if (FAILED(hr) || read < want) break;
+    if (read < want) break;
   }
   text[filled] = '\0';  // the parser stops here, or at an earlier zero byte of the text
-  return text;
+  result = std::move(text);
+  return S_OK;
 }
 
 }  // namespace
@@ -399,6 +401,7 @@ HRESULT CSettingsStream::ReadFromStream(IStream* stream) {
   if (read != sizeof field) return E_FAIL;  // cut inside the length: no text to read
   const std::uint32_t length = std::uint32_t{field[0]} | std::uint32_t{field[1]} << 8 |
                                std::uint32_t{field[2]} << 16 | std::uint32_t{field[3]} << 24;
-  const std::unique_ptr<char[]> text = ReadText(*stream, length);
-  return ReadConfig(m_subject, text.get());
+  std::unique_ptr<char[]> text;
+  const HRESULT textRead = ReadText(*stream, length, text);
+  return FAILED(textRead) ? textRead : ReadConfig(m_subject, text.get());
 }

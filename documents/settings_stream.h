@@ -144,9 +144,11 @@ class CSettingsStream {
   std::uint32_t SizeMax();
   // [host thread] The length field and the text, without the version field.
   HRESULT WriteToStream(IStream* stream);
-  // [host thread] Under the instance lock: the length field (a failed read is the answer), then
-  // as much of the text as the stream holds, up to its first zero byte, into ReadConfig. A
-  // length beyond what the stream holds costs no more memory than the stream's bytes.
+  // [host thread] Under the instance lock: the length field, then as much of the text as the
+  // stream holds, up to its first zero byte, into ReadConfig. A read that fails, in the length
+  // or in the text, is the answer, and nothing changes; a stream that merely ends early gives a
+  // shorter text. A length beyond what the stream holds costs no more memory than the stream's
+  // bytes.
   HRESULT ReadFromStream(IStream* stream);
 
  private:

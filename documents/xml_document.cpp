@@ -29,8 +29,12 @@ bool TiXmlDocument::LoadFile(const char* fileName) {
     return false;
   }
   std::string text;
+  // The size is only a hint: a folder or a device opens too, and tells a size it does not hold.
+  constexpr std::streamoff kLargestHint = std::streamoff{64} << 20;
   file.seekg(0, std::ios::end);
-  if (const std::streamoff size = file.tellg(); size > 0) text.reserve(static_cast<std::size_t>(size));
+  if (const std::streamoff size = file.tellg(); size > 0 && size <= kLargestHint)
+    text.reserve(static_cast<std::size_t>(size));
+  file.clear();
   file.seekg(0, std::ios::beg);
   char block[32768];
   while (file.read(block, sizeof block) || file.gcount() > 0)
@@ -42,12 +46,14 @@ bool TiXmlDocument::LoadFile(const char* fileName) {
 
 bool TiXmlDocument::SaveFile() const { return SaveFile(value.c_str()); }
 
+// False also when a write fails on the way (a full disk, a size limit): the file is then
+// incomplete, and the caller must not take it for the document.
 bool TiXmlDocument::SaveFile(const char* fileName) const {
   std::FILE* file = std::fopen(fileName, "w");
   if (!file) return false;
   Print(file, 0);
-  std::fclose(file);
-  return true;
+  const bool written = std::fflush(file) == 0 && !std::ferror(file);
+  return std::fclose(file) == 0 && written;
 }
 
 const char* TiXmlDocument::Parse(const char* p, TiXmlParsingData* data, TiXmlNode* /*parent*/) {

@@ -22,7 +22,8 @@ class TARN_EXPORT TiXmlDocument : public TiXmlNode {
   bool LoadFile();
   bool LoadFile(const char* fileName);
   bool LoadFile(const std::string& fileName) { return LoadFile(fileName.c_str()); }
-  // Writes the pretty form in text mode; true when the file could be opened.
+  // Writes the pretty form in text mode; true when the file could be opened and every byte was
+  // written.
   bool SaveFile() const;
   bool SaveFile(const char* fileName) const;
   bool SaveFile(const std::string& fileName) const { return SaveFile(fileName.c_str()); }

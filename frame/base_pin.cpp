@@ -78,7 +78,7 @@ HRESULT CBasePin::TakeConnection(IPin* peer, const CMediaType& type) {
     if (SUCCEEDED(hr) && hr != S_OK) hr = VFW_E_TYPE_NOT_ACCEPTED;
   }
   if (SUCCEEDED(hr)) {
-    m_connected = ComPtr<IPin>(peer);
+    SetPeer(peer);
     hr = SetMediaType(type);
   }
   if (FAILED(hr)) DropConnection();
@@ -87,8 +87,14 @@ HRESULT CBasePin::TakeConnection(IPin* peer, const CMediaType& type) {
 
 void CBasePin::DropConnection() {
   BreakConnect();
-  m_connected.Reset();
+  SetPeer(nullptr);
   m_mt = CMediaType();
+}
+
+void CBasePin::SetPeer(IPin* peer) {
+  ComPtr<IPin> replaced(peer);
+  std::lock_guard lock(m_peerLock);
+  m_connected.Swap(replaced);
 }
 
 HRESULT CBasePin::ReceiveConnection(IPin* connector, const CMediaType* type) {
@@ -112,7 +118,7 @@ HRESULT CBasePin::Disconnect() {
 
 HRESULT CBasePin::ConnectedTo(IPin** pin) {
   if (!pin) return E_POINTER;
-  CAutoLock lock(*m_lock);
+  std::lock_guard lock(m_peerLock);
   *pin = ComPtr<IPin>(m_connected).Detach();
   return *pin ? S_OK : VFW_E_NOT_CONNECTED;
 }

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <mutex>
 #include <string>
 
 #include "frame/base_filter.h"
@@ -35,6 +36,9 @@ class CBasePin : public CUnknown, public IPin {
   // SetMediaType and CompleteConnect; on any failure the pin calls BreakConnect and stays
   // unconnected. Disconnect calls BreakConnect. EndOfStream answers S_OK; BeginFlush and EndFlush
   // are left to input and output pins; NewSegment keeps its values (CurrentStartTime...).
+  // ConnectedTo takes only the pin's own peer lock, never the filter lock: a neighbour asks it
+  // while connecting, under its own filter lock, and the filter lock taken there would invert
+  // the order in which two chained filters' locks are taken.
   HRESULT STDMETHODCALLTYPE Connect(IPin* receiver, const CMediaType* type) override;
   HRESULT STDMETHODCALLTYPE ReceiveConnection(IPin* connector, const CMediaType* type) override;
   HRESULT STDMETHODCALLTYPE Disconnect() override;
@@ -86,7 +90,7 @@ class CBasePin : public CUnknown, public IPin {
  protected:
   CBaseFilter* const m_filter;
   CCritSec* const m_lock;
-  ComPtr<IPin> m_connected;
+  ComPtr<IPin> m_connected;  // changed under both the filter lock and m_peerLock
   CMediaType m_mt;
   REFERENCE_TIME m_tStart = 0;
   REFERENCE_TIME m_tStop = INT64_MAX;
@@ -102,6 +106,10 @@ class CBasePin : public CUnknown, public IPin {
   // BreakConnect, then forgets the peer and the type.
   void DropConnection();
 
+  // Sets the peer, under m_peerLock.
+  void SetPeer(IPin* peer);
+
   const std::wstring m_name;
   const PIN_DIRECTION m_dir;
+  mutable std::mutex m_peerLock;  // innermost: held only to copy or change the peer
 };

@@ -68,6 +68,12 @@ int main(int argc, char** argv) {
       ->check(CLI::Range(0.001, 86400.0));
   runCmd->add_option("--save", run.save, "Save the rack with every instance's state to this file");
   runCmd->add_flag("--quiet", run.quiet, "Do not print the MIDI monitor");
+  runCmd->add_option("--feed", run.feedRate,
+                     "Play live input (note-ons and note-offs) at this many messages a second, "
+                     "and report what went in and out and the memory held")
+      ->check(CLI::Range(0.001, 100000.0));
+  runCmd->add_option("--feed-port", run.feedPort, "The input port the feed plays into (from 1)")
+      ->check(CLI::Range(1, 64));
   AddBackEndOptions(*runCmd, run.backEnds, true);
 
   TestOptions test;

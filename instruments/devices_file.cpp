@@ -7,6 +7,7 @@
 #include "documents/xml.h"
 #include "instruments/instrument.h"
 #include "platform/codepage.h"
+#include "platform/files.h"
 #include "platform/module_path.h"
 
 namespace {
@@ -75,11 +76,14 @@ std::wstring CInstrument::DefaultDevicesFile() {
 
 CInstrument::CInstrument(std::wstring devicesFile) : m_devicesFile(std::move(devicesFile)) {
   TiXmlDocument doc;
-  if (!doc.LoadFile(WideToNarrow(m_devicesFile))) return;
-  if (const TiXmlNode* instruments = doc.FirstChild("Instruments")) {
-    std::vector<std::wstring> names;
-    ReadDevices(*instruments, names);
+  const TiXmlNode* instruments =
+      doc.LoadFile(WideToNarrow(m_devicesFile)) ? doc.FirstChild("Instruments") : nullptr;
+  if (!instruments) {
+    m_unreadFile = PathExists(m_devicesFile);
+    return;
   }
+  std::vector<std::wstring> names;
+  ReadDevices(*instruments, names);
 }
 
 CInstrument::~CInstrument() {
@@ -93,7 +97,16 @@ void CInstrument::SaveFile() {
   const std::wstring generic = NarrowToWide(kGenericDevice);
   for (const auto& entry : m_devices)
     if (entry.first != generic) WriteDevice(instruments, entry.first);
-  doc.SaveFile(WideToNarrow(m_devicesFile));  // a file that cannot be written is not reported
+  // Written beside the file and moved over it only when complete: a save that fails (a full
+  // disk, a folder that cannot be written) leaves the file as it was, and is not reported.
+  const std::wstring temporary = m_devicesFile + L".saving";
+  if (!doc.SaveFile(WideToNarrow(temporary))) {
+    DeleteFileAt(temporary);
+    return;
+  }
+  // A file that was there but could not be read is kept aside rather than lost.
+  if (m_unreadFile) MoveFileOver(m_devicesFile, m_devicesFile + L".unread");
+  if (!MoveFileOver(temporary, m_devicesFile)) DeleteFileAt(temporary);
 }
 
 void CInstrument::ReadDevices(const TiXmlNode& parent, std::vector<std::wstring>& names) {

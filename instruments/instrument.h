@@ -9,6 +9,9 @@
 // The store is read from "devices.xml" when the object is made, and written back when it is
 // destroyed, but only if an import or a clear changed it: of two instances that changed their
 // stores, the one destroyed last decides what the file holds. "Generic Device" is never written.
+// Writing goes to "devices.xml.saving" and replaces the file only once complete, so a failed
+// write never leaves a broken file where a good one was; a file that was there but could not be
+// read (broken, cut short, not a store) is kept as "devices.xml.unread" when replaced.
 // Devices that arrive through a saved state change the store in memory only.
 //
 // Threads: the host calls the IMfxInstrument operations from its threads, under the instance
@@ -143,4 +146,5 @@ class CInstrument final : public CUnknownImpl<IMfxInstrument> {
   std::map<std::wstring, DeviceEntry> m_devices;
   std::wstring m_devicesFile;
   bool m_dirty = false;
+  bool m_unreadFile = false;  // a file stood there at start that gave no store
 };

@@ -10,11 +10,13 @@
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
+#include <memory>
 #include <sstream>
 #include <thread>
 
 #include "host/audio/jack_driver.h"
 #include "host/audio/offline_driver.h"
+#include "host/cli/live_feed.h"
 #include "host/midi/midi_session.h"
 #include "host/looptest/loop_latency.h"
 #include "host/looptest/loop_test_runner.h"
@@ -200,6 +202,69 @@ CAudioDriver::Progress Transport(const RunOptions& options, const RackSettings& 
     if (const auto bpm = driver.TransportTempo()) live.Tempo().Change(*bpm, frames);
     if (loop) loop(frames);
   };
+}
+
+// The instances listening on input `port` (from 0), with what each took in and sent out.
+struct ListenerCounts {
+  std::size_t listeners = 0;
+  std::int64_t received = 0;
+  std::int64_t sent = 0;
+};
+ListenerCounts CountListeners(CLiveRack& live, std::int32_t port) {
+  ListenerCounts counts;
+  for (LiveInstance& instance : live.Instances()) {
+    std::int32_t chosen = -1;
+    if (!instance.myFilter || FAILED(instance.myFilter->GetInputPortIndex(&chosen)) ||
+        chosen != port)
+      continue;
+    std::uint32_t received = 0, sent = 0;
+    instance.myFilter->GetEventCounters(&received, &sent, 0);
+    ++counts.listeners;
+    counts.received += received;
+    counts.sent += sent;
+  }
+  return counts;
+}
+
+// After the feed: the workers get the time to send what they took before the graph stops, which
+// would drop it. Ten seconds at most; done once what went out stops growing or catches up.
+void WaitForListeners(CLiveRack& live, std::int32_t port) {
+  const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+  std::int64_t last = -1;
+  for (;;) {
+    const ListenerCounts counts = CountListeners(live, port);
+    if (counts.sent >= counts.received || counts.sent == last ||
+        std::chrono::steady_clock::now() > deadline)
+      return;
+    last = counts.sent;
+    std::this_thread::sleep_for(std::chrono::milliseconds(200));
+  }
+}
+
+// The feed's account: every message fed should come in at each listener and go out once. False
+// when anything was lost (reported).
+bool PrintFeed(CLiveRack& live, const CLiveFeed& feed, const RunOptions& options,
+               std::int64_t memoryBefore, std::int64_t memoryAfter) {
+  const ListenerCounts counts = CountListeners(live, options.feedPort - 1);
+  const std::int64_t expected = feed.Fed() * static_cast<std::int64_t>(counts.listeners);
+  const std::int64_t lost = expected - std::min(counts.received, counts.sent);
+  std::printf("live input: %lld messages fed to input %d at %g a second, %zu instances listening\n",
+              static_cast<long long>(feed.Fed()), options.feedPort, *options.feedRate,
+              counts.listeners);
+  std::printf("live input: %lld in, %lld received, %lld out, %lld lost\n",
+              static_cast<long long>(expected), static_cast<long long>(counts.received),
+              static_cast<long long>(counts.sent), static_cast<long long>(lost));
+  std::printf("memory: %lld kB resident when the feed began, %lld kB when it ended\n",
+              static_cast<long long>(memoryBefore), static_cast<long long>(memoryAfter));
+  if (lost != 0) Report(options.rack.string() + ": live input was lost");
+  return lost == 0;
+}
+
+// The id the session's ports give the feed's input, as instances announce it.
+std::int32_t FeedInputId(CMidiSession& session, const RunOptions& options) {
+  std::int32_t id = options.feedPort - 1;
+  session.Ports().GetInputPortId(options.feedPort - 1, &id);
+  return id;
 }
 
 // The audio back end the rack names; the server's rate and period become the rack's. Audio files
@@ -390,9 +455,19 @@ int RunCommand(const RunOptions& options) {
     const auto start = std::chrono::steady_clock::now();
     live.Run(&source, &sink);
     live.Start(driver->TransportTick().value_or(options.startTick));
+    std::unique_ptr<CLiveFeed> feed;
+    const std::int64_t memoryBefore = ResidentKilobytes();
+    if (options.feedRate)
+      feed = std::make_unique<CLiveFeed>(live, FeedInputId(*session, options), *options.feedRate);
     streamed = driver->Stream(source, Transport(options, rack->settings, *driver, live), error);
     if (!streamed) Report(options.rack.string() + ": " + error);
     std::this_thread::sleep_until(start + std::chrono::duration<double>(options.seconds));
+    std::int64_t memoryAfter = 0;
+    if (feed) {
+      feed->Stop();
+      memoryAfter = ResidentKilobytes();
+      WaitForListeners(live, options.feedPort - 1);
+    }
     live.StopTransport();
     live.Stop(&source, &sink);
     session->Close();
@@ -404,6 +479,7 @@ int RunCommand(const RunOptions& options) {
       ++errors.count;
       Report(fault);
     }
+    if (feed && !PrintFeed(live, *feed, options, memoryBefore, memoryAfter)) ++errors.count;
     if (options.save && SaveRack(*options.save, *rack, live))
       std::printf("saved %s\n", options.save->c_str());
     else if (options.save)

@@ -3,6 +3,7 @@
 // process's exit code: 0 when everything worked, 1 when something failed.
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -52,10 +53,14 @@ struct RunOptions {
   std::optional<double> loopSeconds;  // the transport jumps back to the start this often
   std::optional<std::filesystem::path> save;
   bool quiet = false;  // no monitor lines
+  std::optional<double> feedRate;  // live input played into feedPort, messages a second
+  std::int32_t feedPort = 1;       // from 1
 };
 // Loads the rack, adds its envelopes, streams audio and delivers MIDI for the given time, prints
 // every message reaching a port and, for each enveloped parameter, the value it ended with, and
-// saves the rack when asked.
+// saves the rack when asked. With a feed, plays live input into a port for the whole time, lets
+// the instances send what they took, and prints what went in and out, what was lost, and the
+// memory held when the feed began and ended.
 int RunCommand(const RunOptions& options);
 
 struct TestOptions {

@@ -88,7 +88,9 @@ HRESULT CHostContext::UseOutputPort(std::int32_t id) {
 HRESULT CHostContext::OnSinkEvent(IMfxInputPort*, const HostEventRecord* record) {
   if (!record) return E_POINTER;
   std::lock_guard lock(m_sinkMutex);
+  if (m_sink.size() == kSinkKept) m_sink.pop_front();
   m_sink.push_back(record->Message());
+  ++m_sinkCount;
   return S_OK;
 }
 
@@ -102,5 +104,10 @@ std::optional<std::int32_t> CHostContext::InputPortId() const { return Noted(m_i
 
 std::vector<std::uint32_t> CHostContext::SinkMessages() const {
   std::lock_guard lock(m_sinkMutex);
-  return m_sink;
+  return {m_sink.begin(), m_sink.end()};
+}
+
+std::int64_t CHostContext::SinkCount() const {
+  std::lock_guard lock(m_sinkMutex);
+  return m_sinkCount;
 }

@@ -5,6 +5,7 @@
 
 #include <atomic>
 #include <cstdint>
+#include <deque>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -61,12 +62,16 @@ class CHostContext final
   HRESULT STDMETHODCALLTYPE UseOutputPort(std::int32_t id) override;
 
   // --- IHostInputSink --------------------------------------------------------------------------
-  // [output worker] Records the packed message.
+  // [output worker] Counts the packed message and keeps it among the latest.
   HRESULT STDMETHODCALLTYPE OnSinkEvent(IMfxInputPort* sender,
                                         const HostEventRecord* record) override;
 
-  // [any thread] The packed messages handed to the sink so far, in order.
+  // [any thread] The latest packed messages handed to the sink, at most kSinkKept, in order: a
+  // host that runs for hours keeps no more than these.
   std::vector<std::uint32_t> SinkMessages() const;
+  // [any thread] Every message handed to the sink so far.
+  std::int64_t SinkCount() const;
+  static constexpr std::size_t kSinkKept = 1024;
   // [any thread] The output pin count after the last change.
   std::int32_t PinCount() const noexcept { return m_pinCount.load(); }
   // [any thread] The id of the input port the instance last said it uses, if any: where the
@@ -85,5 +90,6 @@ class CHostContext final
   std::atomic<std::int64_t> m_outputPortId{kNone};
   std::atomic<std::int32_t> m_pinCount{1};
   mutable std::mutex m_sinkMutex;
-  std::vector<std::uint32_t> m_sink;
+  std::deque<std::uint32_t> m_sink;
+  std::int64_t m_sinkCount = 0;
 };

@@ -1,7 +1,9 @@
 #include "host/rack/rack_file.h"
 
 #include <algorithm>
+#include <cmath>
 #include <fstream>
+#include <limits>
 #include <iterator>
 #include <nlohmann/json.hpp>
 #include <sstream>
@@ -46,15 +48,30 @@ void ReadSetting(const Json& settings, const char* name, T& value) {
   if (settings.contains(name)) value = settings.at(name).get<T>();
 }
 
+// Reads one optional whole-number setting, keeping the default when absent. A fraction, or a
+// number no 32-bit setting holds, is refused rather than cut to one.
+void ReadWholeSetting(const Json& settings, const char* name, std::int32_t& value) {
+  if (!settings.contains(name)) return;
+  const Json& field = settings.at(name);
+  constexpr std::int64_t kLeast = std::numeric_limits<std::int32_t>::min();
+  constexpr std::int64_t kMost = std::numeric_limits<std::int32_t>::max();
+  const bool fits = field.is_number_unsigned()
+                        ? field.get<std::uint64_t>() <= static_cast<std::uint64_t>(kMost)
+                        : field.is_number_integer() && field.get<std::int64_t>() >= kLeast &&
+                              field.get<std::int64_t>() <= kMost;
+  if (!fits) throw std::runtime_error("\"" + std::string(name) + "\" must be a whole number");
+  value = field.get<std::int32_t>();
+}
+
 RackSettings ReadSettings(const Json& json) {
   RackSettings settings;
   if (!json.contains("settings")) return settings;
   const Json& s = json.at("settings");
   if (!s.is_object()) throw std::runtime_error("\"settings\" is not an object");
-  ReadSetting(s, "sampleRate", settings.sampleRate);
-  ReadSetting(s, "bufferFrames", settings.bufferFrames);
+  ReadWholeSetting(s, "sampleRate", settings.sampleRate);
+  ReadWholeSetting(s, "bufferFrames", settings.bufferFrames);
   ReadSetting(s, "bpm", settings.beatsPerMinute);
-  ReadSetting(s, "midiPorts", settings.midiPorts);
+  ReadWholeSetting(s, "midiPorts", settings.midiPorts);
   ReadSetting(s, "midi", settings.midi);
   ReadSetting(s, "audio", settings.audio);
   if (settings.sampleRate < 8000 || settings.sampleRate > 384000)
@@ -92,6 +109,10 @@ MP_ENVELOPE_SEGMENT ReadSegment(const Json& json, const std::string& where) {
   segment.rtEnd = json.at("end").get<std::int64_t>();
   if (segment.rtStart < 0 || segment.rtEnd < segment.rtStart)
     throw std::runtime_error(where + " must start at 0 or later and end no earlier than it starts");
+  constexpr auto kLargest = static_cast<double>(std::numeric_limits<float>::max());
+  for (const char* name : {"from", "to"})
+    if (!(std::fabs(json.at(name).get<double>()) <= kLargest))
+      throw std::runtime_error(where + " has \"" + name + "\" out of range");
   segment.valStart = json.at("from").get<float>();
   segment.valEnd = json.at("to").get<float>();
   segment.iCurve = MP_CURVE_LINEAR;
@@ -166,14 +187,9 @@ RackInstance ReadInstance(const Json& entry) {
 
 }  // namespace
 
-std::optional<Rack> LoadRackFile(const std::filesystem::path& path, std::string& error) {
-  std::ifstream file(path, std::ios::binary);
-  if (!file) {
-    error = "rack file " + path.string() + " cannot be read";
-    return std::nullopt;
-  }
+std::optional<Rack> ParseRack(std::string_view text, std::string& fault) {
   try {
-    const Json json = Json::parse(file);
+    const Json json = Json::parse(text.begin(), text.end());
     if (!json.is_object() || json.value("format", "") != "tarn-rack")
       throw std::runtime_error("it is not a tarn rack (\"format\" must be \"tarn-rack\")");
     if (json.value("version", 0) != 1) throw std::runtime_error("its \"version\" is not 1");
@@ -184,12 +200,25 @@ std::optional<Rack> LoadRackFile(const std::filesystem::path& path, std::string&
     for (const Json& entry : json.at("instances")) rack.instances.push_back(ReadInstance(entry));
     return rack;
   } catch (const std::exception& e) {
-    error = "rack file " + path.string() + " is not valid: " + e.what();
+    fault = e.what();
     return std::nullopt;
   }
 }
 
-bool SaveRackFile(const std::filesystem::path& path, const Rack& rack, std::string& error) {
+std::optional<Rack> LoadRackFile(const std::filesystem::path& path, std::string& error) {
+  std::ifstream file(path, std::ios::binary);
+  std::ostringstream text;
+  if (!file || !(text << file.rdbuf())) {
+    error = "rack file " + path.string() + " cannot be read";
+    return std::nullopt;
+  }
+  std::string fault;
+  auto rack = ParseRack(text.str(), fault);
+  if (!rack) error = "rack file " + path.string() + " is not valid: " + fault;
+  return rack;
+}
+
+std::string RackText(const Rack& rack) {
   Json json;
   json["format"] = "tarn-rack";
   json["version"] = 1;
@@ -204,7 +233,11 @@ bool SaveRackFile(const std::filesystem::path& path, const Rack& rack, std::stri
     if (!instance.envelopesText.empty()) entry["envelopes"] = Json::parse(instance.envelopesText);
     json["instances"].push_back(std::move(entry));
   }
-  const std::string text = json.dump(2) + "\n";
+  return json.dump(2) + "\n";
+}
+
+bool SaveRackFile(const std::filesystem::path& path, const Rack& rack, std::string& error) {
+  const std::string text = RackText(rack);
 
   std::filesystem::path temporary = path;
   temporary += ".saving";

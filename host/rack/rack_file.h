@@ -20,6 +20,7 @@
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "interfaces/media_params.h"
@@ -51,6 +52,13 @@ struct Rack {
   RackSettings settings;
   std::vector<RackInstance> instances;
 };
+
+// [any thread] The rack that `text` holds; nothing with `fault` saying what is wrong when it is
+// not JSON or not a rack. Entries with a fault of their own are kept, marked, as below.
+std::optional<Rack> ParseRack(std::string_view text, std::string& fault);
+// [any thread] The text SaveRackFile writes: `rack` as JSON, two-space indented, with a final
+// line ending. Parsing it gives the same rack back.
+std::string RackText(const Rack& rack);
 
 // [host thread] The rack in `path`; nothing with `error` naming the file and the fault when the
 // file cannot be read or is not a rack. An instance entry with a fault of its own is kept with

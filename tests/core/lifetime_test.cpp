@@ -46,6 +46,47 @@ TEST(PinLifetime, AnOutputPinHeldByItsPeerKeepsTheFilterAlive) {
   sink.Disconnect();        // the pin and then the filter go here, and not before
 }
 
+// A host may join one instance's output straight to another's input. Connecting the second
+// instance's output asks the first for its types while the second's lock is held, the reverse of
+// the order in which the first connection took them; streaming, seeking through the chain and
+// taking it apart must not invert it either.
+TEST(PinLifetime, InstancesChainedPinToPinConnectStreamAndComeApartWithoutALockOrderInversion) {
+  FakeSource::Options seekable;
+  seekable.offersSeeking = true;
+  ConnectedRig first, second;
+  FakeSource source(StereoFloat(), seekable);
+  FakeSink sink;
+  ASSERT_EQ(source.ConnectTo(first.instance->GetPin(0)), S_OK);
+  ASSERT_EQ(first.instance->GetPin(1)->Connect(second.instance->GetPin(0), nullptr), S_OK);
+  ASSERT_EQ(second.instance->GetPin(1)->Connect(sink.Input(), nullptr), S_OK);
+  sink.Pause();
+  second.instance->Pause();
+  first.instance->Pause();
+  source.Pause();
+
+  std::thread streaming([&] {
+    const std::vector<float> values(512, 0.25f);
+    for (int i = 0; i < 50; ++i) source.PushFloats(values);
+    source.EndOfStream();
+  });
+  ComPtr<IMediaSeeking> seeking;
+  ASSERT_EQ(seeking.QueryFrom(second.instance->GetPin(1), IID_IMediaSeeking), S_OK);
+  for (int i = 0; i < 50; ++i) {
+    std::int64_t duration = 0;
+    EXPECT_EQ(seeking->GetDuration(&duration), S_OK);
+  }
+  streaming.join();
+  EXPECT_EQ(sink.SampleCount(), 50);
+  EXPECT_EQ(sink.EndOfStreams(), 4) << "each instance says end of stream twice";
+
+  source.Stop();
+  first.instance->Stop();
+  second.instance->Stop();
+  sink.Stop();
+  second.instance->GetPin(0)->Disconnect();  // the downstream end first, then the upstream
+  first.instance->GetPin(1)->Disconnect();
+}
+
 TEST(PinLifetime, AFoundPinKeepsTheFilterAlive) {
   ConnectedRig host;
   ComPtr<IPin> found;

@@ -272,6 +272,23 @@ TEST(WorkerLife, StopReturnsAtOnceAndTheSleeperFinishesItsBatch) {
   EXPECT_EQ(rig.ports.Sends()[0].message, Packed(0x90, 2, 2));
 }
 
+// A graph stopped and started again while the old worker sleeps in a pause: what was posted to
+// the new worker still goes out after the old batch, as it was posted after it.
+TEST(WorkerLife, AfterAStopAndAStartTheOldBatchStillGoesOutFirst) {
+  ConnectedRig rig;
+  rig.EnableOutput();
+  rig.Start();
+  PostAsOneBatch(rig, {Wait(300), Message(0x90, 1, 1)});
+  std::this_thread::sleep_for(20ms);  // the worker is asleep in the pause
+  rig.Stop();
+  rig.Start();
+  ASSERT_EQ(rig.instance->PostToWorker(Message(0x90, 2, 2)), S_OK);
+  ASSERT_TRUE(rig.ports.WaitForSends(2, 5000));
+  EXPECT_EQ(rig.ports.Sends()[0].message, Packed(0x90, 1, 1));
+  EXPECT_EQ(rig.ports.Sends()[1].message, Packed(0x90, 2, 2));
+  rig.Stop();
+}
+
 TEST(WorkerLife, SendEnabledEventsPostsOnlyEnabledOnesInListOrder) {
   ConnectedRig rig;
   rig.EnableOutput();

@@ -5,6 +5,7 @@
 #include <sndfile.h>
 
 #include <algorithm>
+#include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <random>
@@ -130,6 +131,28 @@ TEST_F(HostTest, OutputIsWiredBackToTheInputWhereTheListenerForwardsIt) {
   // Short messages only cross as live input, each forced to channel 3.
   EXPECT_EQ(BytesAt(run.out, "Virtual Out 2"),
             (Bytes{"B2 00 01", "B2 20 00", "C2 05", "B2 07 64"}));
+}
+
+// The soak's feed in small: live input played into "Virtual In 1" reaches both listeners and
+// goes out of each, every message accounted for.
+TEST_F(HostTest, FedLiveInputComesInAtEveryListenerAndGoesOutOnce) {
+  MakeRack("rack.json", {{"One", kListenerConfig}, {"Two", kListenerConfig}, {"Deaf", ""}});
+  const HostResult run = m_host.Run("run rack.json --seconds 0.5 --quiet --feed 200");
+  ASSERT_EQ(run.code, 0) << run.err;
+  long long fed = 0, in = 0, received = 0, out = 0, lost = -1;
+  const auto feedLine = run.out.find("live input: ");
+  ASSERT_NE(feedLine, std::string::npos) << run.out;
+  ASSERT_EQ(std::sscanf(run.out.c_str() + feedLine,
+                        "live input: %lld messages fed to input 1 at 200 a second, 2 instances "
+                        "listening\nlive input: %lld in, %lld received, %lld out, %lld lost",
+                        &fed, &in, &received, &out, &lost), 5)
+      << run.out;
+  EXPECT_GT(fed, 50);
+  EXPECT_EQ(in, 2 * fed);
+  EXPECT_EQ(received, in);
+  EXPECT_EQ(out, in);
+  EXPECT_EQ(lost, 0);
+  EXPECT_NE(run.out.find("memory: "), std::string::npos);
 }
 
 TEST_F(HostTest, ConfigurationSetIsWhatTheNextLoadSends) {

@@ -142,6 +142,21 @@ TEST(MessageRing, AProducerAndAConsumerOnTwoThreadsSeeEveryMessageOnce) {
   producer.join();
 }
 
+// A host that runs for hours must not keep every message it was handed.
+TEST_F(HostContextTest, TheSinkCountsEverythingAndKeepsOnlyTheLatest) {
+  HostEventRecord record{};
+  const std::size_t total = CHostContext::kSinkKept + 5;
+  for (std::uint32_t i = 0; i < total; ++i) {
+    record.SetMessage(0x90 | i << 8);
+    ASSERT_EQ(m_context->OnSinkEvent(nullptr, &record), S_OK);
+  }
+  EXPECT_EQ(m_context->SinkCount(), static_cast<std::int64_t>(total));
+  const auto kept = m_context->SinkMessages();
+  ASSERT_EQ(kept.size(), CHostContext::kSinkKept);
+  EXPECT_EQ(kept.front(), 0x90u | 5u << 8);
+  EXPECT_EQ(kept.back(), 0x90u | (total - 1) << 8);
+}
+
 class RackFileTest : public ::testing::Test {
  protected:
   RackFileTest() {
@@ -186,6 +201,9 @@ TEST_F(RackFileTest, SettingsOutOfRangeOrOfTheWrongTypeRefuseTheFile) {
       {R"({"bpm":0})", "\"bpm\" must lie between 1 and 1000"},
       {R"({"midiPorts":1000})", "\"midiPorts\" must lie between 1 and 64"},
       {R"({"bpm":"fast"})", "type must be number"},
+      {R"({"sampleRate":44E100})", "\"sampleRate\" must be a whole number"},
+      {R"({"midiPorts":2.5})", "\"midiPorts\" must be a whole number"},
+      {R"({"bufferFrames":4294967552})", "\"bufferFrames\" must be a whole number"},
   };
   for (const auto& [settings, why] : cases) {
     std::string error;
@@ -208,6 +226,17 @@ TEST_F(RackFileTest, AFaultyEntryIsMarkedAndTheOthersKept) {
   EXPECT_EQ(rack->instances[2].problem, "its \"state\" is not hex text");
   EXPECT_EQ(rack->instances[3].problem, "");
   EXPECT_EQ(rack->instances[3].state, (std::vector<std::uint8_t>{0x0A, 0xFF}));
+}
+
+TEST_F(RackFileTest, AnEnvelopeValueNoParameterCanHoldMarksItsEntry) {
+  std::string error;
+  const auto rack = LoadRackFile(Write(R"({"format":"tarn-rack","version":1,"instances":[
+      {"class":"{X}","envelopes":[{"param":0,"segments":[
+        {"start":0,"end":1,"from":1e300,"to":0}]}]}]})"),
+                                 error);
+  ASSERT_TRUE(rack) << error;
+  EXPECT_EQ(rack->instances[0].problem,
+            "its envelopes are not valid: envelope 1 segment 1 has \"from\" out of range");
 }
 
 }  // namespace

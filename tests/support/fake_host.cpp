@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cwchar>
+#include <utility>
 
 // --- tempo map and time converter -------------------------------------------------------------
 
@@ -51,12 +52,54 @@ HRESULT FakeMidiPorts::QueryInterface(REFIID iid, void** out) {
 
 std::int32_t FakeMidiPorts::GetInputPortCount() {
   std::lock_guard lock(m_mutex);
-  return static_cast<std::int32_t>(m_inputs.size());
+  const auto count = static_cast<std::int32_t>(m_inputs.size());
+  VanishIfAsked();
+  return count;
 }
 
 std::int32_t FakeMidiPorts::GetOutputPortCount() {
   std::lock_guard lock(m_mutex);
-  return static_cast<std::int32_t>(m_outputs.size());
+  const auto count = static_cast<std::int32_t>(m_outputs.size());
+  VanishIfAsked();
+  return count;
+}
+
+void FakeMidiPorts::VanishIfAsked() {
+  if (!m_vanishKeep) return;
+  const std::size_t keep = *std::exchange(m_vanishKeep, std::nullopt);
+  if (m_inputs.size() > keep) m_inputs.resize(keep);
+  if (m_outputs.size() > keep) m_outputs.resize(keep);
+  if (m_handles.size() > keep) {
+    m_handles.resize(keep);
+    PublishHandles();
+  }
+}
+
+void FakeMidiPorts::VanishAfterNextCount(std::size_t keep) {
+  std::lock_guard lock(m_mutex);
+  m_vanishKeep = keep;
+}
+
+void FakeMidiPorts::BlockSends(std::chrono::milliseconds time) {
+  std::lock_guard lock(m_mutex);
+  m_block = time;
+}
+
+void FakeMidiPorts::Begin() {
+  std::chrono::milliseconds block{0};
+  {
+    std::lock_guard lock(m_mutex);
+    ++m_sendsBegun;
+    block = m_block;
+  }
+  m_cv.notify_all();
+  if (block.count() > 0) std::this_thread::sleep_for(block);
+}
+
+bool FakeMidiPorts::WaitForSendsBegun(std::size_t count, int timeoutMs) const {
+  std::unique_lock lock(m_mutex);
+  return m_cv.wait_for(lock, std::chrono::milliseconds(timeoutMs),
+                       [&] { return m_sendsBegun >= count; });
 }
 
 HRESULT FakeMidiPorts::CopyName(const std::vector<std::wstring>& names, std::int32_t index,
@@ -120,6 +163,7 @@ HRESULT FakeMidiPorts::SendShortMsg(MidiPortHandle handle, std::uint32_t message
     m_hook(m_hookContext, message);
     return S_OK;
   }
+  Begin();
   if (m_failShort) return E_FAIL;
   {
     std::lock_guard lock(m_mutex);
@@ -131,6 +175,7 @@ HRESULT FakeMidiPorts::SendShortMsg(MidiPortHandle handle, std::uint32_t message
 
 HRESULT FakeMidiPorts::SendSysexMsg(MidiPortHandle handle, const std::uint8_t* bytes,
                                     std::uint32_t length) {
+  Begin();
   if (m_failSysex) return E_FAIL;
   Record({FakeClock::now(), handle, true, 0, std::vector<std::uint8_t>(bytes, bytes + length)});
   return S_OK;
@@ -139,8 +184,9 @@ HRESULT FakeMidiPorts::SendSysexMsg(MidiPortHandle handle, const std::uint8_t* b
 namespace {
 
 HRESULT IdOf(const std::optional<std::vector<std::optional<std::int32_t>>>& ids,
-             std::int32_t base, std::int32_t index, std::int32_t* id) {
+             std::int32_t base, std::int32_t index, std::size_t ports, std::int32_t* id) {
   if (!id) return E_POINTER;
+  if (index < 0 || static_cast<std::size_t>(index) >= ports) return E_INVALIDARG;
   if (!ids) {
     *id = base + index;
     return S_OK;
@@ -156,12 +202,12 @@ HRESULT IdOf(const std::optional<std::vector<std::optional<std::int32_t>>>& ids,
 
 HRESULT FakeMidiPorts::GetInputPortId(std::int32_t index, std::int32_t* id) {
   std::lock_guard lock(m_mutex);
-  return IdOf(m_inputIds, kInputIdBase, index, id);
+  return IdOf(m_inputIds, kInputIdBase, index, m_inputs.size(), id);
 }
 
 HRESULT FakeMidiPorts::GetOutputPortId(std::int32_t index, std::int32_t* id) {
   std::lock_guard lock(m_mutex);
-  return IdOf(m_outputIds, kOutputIdBase, index, id);
+  return IdOf(m_outputIds, kOutputIdBase, index, m_outputs.size(), id);
 }
 
 void FakeMidiPorts::SetPortIds(bool input, std::vector<std::optional<std::int32_t>> ids) {

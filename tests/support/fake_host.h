@@ -113,6 +113,11 @@ class FakeMidiPorts final : public FakeUnknown<IHostMidiPorts2> {
   void SetPortIds(bool input, std::vector<std::optional<std::int32_t>> ids);
   void FailShortSends(bool fail) { m_failShort = fail; }
   void FailSysexSends(bool fail) { m_failSysex = fail; }
+  // As a device unplugged while its list is walked: right after the next count of either list,
+  // each list keeps only its first `keep` ports, so names and ids asked for past them fail.
+  void VanishAfterNextCount(std::size_t keep);
+  // Each send stays this long inside the port, as with a slow driver, before it is recorded.
+  void BlockSends(std::chrono::milliseconds time);
   // Hands each short send to `hook` alone, recording nothing: benchmarks measure the instance,
   // not this fake's lock and allocation. Null goes back to recording.
   // While held, a handle query waits (2 s at most) for the release: the worker stays in the
@@ -125,6 +130,8 @@ class FakeMidiPorts final : public FakeUnknown<IHostMidiPorts2> {
   std::size_t SendCount() const;
   // Waits until at least `count` sends arrived; false after `timeoutMs`.
   bool WaitForSends(std::size_t count, int timeoutMs) const;
+  // Waits until at least `count` sends have begun, blocked or not; false after `timeoutMs`.
+  bool WaitForSendsBegun(std::size_t count, int timeoutMs) const;
   // How often the output handle was asked for. The worker asks once per batch, after taking it
   // from the queue: a test knows a batch is in hand without guessing how long that takes. A
   // query takes no lock unless it is held or waited for, so it costs the worker next to nothing.
@@ -153,6 +160,10 @@ class FakeMidiPorts final : public FakeUnknown<IHostMidiPorts2> {
   void Record(Sent sent);
   // [set-up, m_mutex] Makes m_handles what queries read from now on.
   void PublishHandles();
+  // Counts the send as begun, then blocks it as asked.
+  void Begin();
+  // [m_mutex] Drops the ports past the count asked for by VanishAfterNextCount.
+  void VanishIfAsked();
   static HRESULT CopyName(const std::vector<std::wstring>& names, std::int32_t index,
                           wchar_t* name, std::uint32_t capacity);
 
@@ -169,11 +180,14 @@ class FakeMidiPorts final : public FakeUnknown<IHostMidiPorts2> {
   std::atomic<bool> m_holdQueries{false};
   std::vector<Sent> m_sent;
   std::size_t m_sendCount = 0;
+  std::size_t m_sendsBegun = 0;
+  std::chrono::milliseconds m_block{0};
+  std::optional<std::size_t> m_vanishKeep;
   std::vector<std::int32_t> m_usedInputs, m_usedOutputs;
   bool m_offerVersion2 = true;
   std::optional<std::vector<std::optional<std::int32_t>>> m_inputIds, m_outputIds;
-  bool m_failShort = false;
-  bool m_failSysex = false;
+  std::atomic<bool> m_failShort{false};
+  std::atomic<bool> m_failSysex{false};
   void (*m_hook)(void*, std::uint32_t) = nullptr;
   void* m_hookContext = nullptr;
 
@@ -201,7 +215,7 @@ class FakeInputSink final : public FakeUnknown<IHostInputSink> {
   mutable std::condition_variable m_cv;
   std::vector<HostEventRecord> m_records;
   std::vector<IMfxInputPort*> m_senders;
-  bool m_fail = false;
+  std::atomic<bool> m_fail{false};
 };
 
 // The host's automation callback: records each call in order and answers a chosen result.

@@ -22,6 +22,8 @@ class TestInstance {
   CFilter& filter() { return *m_filter; }
   CFilter* operator->() { return m_filter; }
   HRESULT construction() const { return m_constructed; }
+  // False once destroyed.
+  bool Alive() const { return m_filter != nullptr; }
   // Destroys the instance now; later calls see none.
   void Destroy();
 
