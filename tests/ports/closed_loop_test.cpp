@@ -13,6 +13,7 @@
 
 #include "core/activity.h"
 #include "ports/instance_tracker.h"
+#include "tests/support/fake_loop_instance.h"
 #include "tests/support/test_instance.h"
 
 namespace {
@@ -302,64 +303,11 @@ namespace {
 
 // An instance reduced to what the test calls, registered as a real one is: it records its
 // messages and flag, and its counters stay at zero, so that a run never ends by itself.
-class RecordingFilter final : public FakeUnknown<IMyFilter> {
+class RecordingFilter final : public FakeLoopInstance {
  public:
-  explicit RecordingFilter(bool active) : m_active(active) {}
-
-  HRESULT STDMETHODCALLTYPE OpenClosedLoopTest(NotifyHandle) override { return S_OK; }
-  HRESULT STDMETHODCALLTYPE IsOutputActive(std::uint8_t* active) override {
-    *active = m_active ? 1 : 0;
-    return S_OK;
-  }
-  HRESULT STDMETHODCALLTYPE GetEventCounters(std::uint32_t* received, std::uint32_t* sent,
-                                             std::uint8_t) override {
-    *received = *sent = 0;
-    return S_OK;
-  }
-  HRESULT STDMETHODCALLTYPE SendTestMessage(std::uint32_t message) override {
-    messages.push_back(message);
-    return S_OK;
-  }
-  HRESULT STDMETHODCALLTYPE SetClosedLoopTest(std::uint8_t running) override {
-    flags.push_back(running);
-    return S_OK;
-  }
-
-  HRESULT STDMETHODCALLTYPE SetEditorWindow(IEditorWindow*) override { return E_NOTIMPL; }
-  HRESULT STDMETHODCALLTYPE GetPorts(IHostMidiPorts**) override { return E_NOTIMPL; }
-  HRESULT STDMETHODCALLTYPE SelectInputPort(std::wstring) override { return E_NOTIMPL; }
-  HRESULT STDMETHODCALLTYPE SelectOutputPort(std::wstring) override { return E_NOTIMPL; }
-  HRESULT STDMETHODCALLTYPE SetOutputRechannel(std::uint32_t) override { return E_NOTIMPL; }
-  HRESULT STDMETHODCALLTYPE GetInputPortIndex(std::int32_t*) override { return E_NOTIMPL; }
-  HRESULT STDMETHODCALLTYPE GetOutputPortIndex(std::int32_t*) override { return E_NOTIMPL; }
-  HRESULT STDMETHODCALLTYPE GetOutputRechannel(std::uint32_t*) override { return E_NOTIMPL; }
-  HRESULT STDMETHODCALLTYPE SetOutputEnabled(std::int32_t) override { return E_NOTIMPL; }
-  HRESULT STDMETHODCALLTYPE SetMIDISync(std::int32_t) override { return E_NOTIMPL; }
-  HRESULT STDMETHODCALLTYPE GetMIDISync(std::int32_t*) override { return E_NOTIMPL; }
-  HRESULT STDMETHODCALLTYPE GetEventCount(std::uint32_t*) override { return E_NOTIMPL; }
-  HRESULT STDMETHODCALLTYPE GetEvent(std::uint32_t, CStoredEvent**) override { return E_NOTIMPL; }
-  HRESULT STDMETHODCALLTYPE InsertEvent(std::uint32_t, const CStoredEvent*) override {
-    return E_NOTIMPL;
-  }
-  HRESULT STDMETHODCALLTYPE RemoveEvent(std::uint32_t) override { return E_NOTIMPL; }
-  HRESULT STDMETHODCALLTYPE GetInstrumentObject(CInstrument**) override { return E_NOTIMPL; }
-  HRESULT STDMETHODCALLTYPE SendEvent(const CStoredEvent*) override { return E_NOTIMPL; }
-  HRESULT STDMETHODCALLTYPE GetSysexPrefixByte(std::uint8_t*, std::int32_t) override {
-    return E_NOTIMPL;
-  }
-  HRESULT STDMETHODCALLTYPE GetSysexPrefixLength(std::uint32_t*) override { return E_NOTIMPL; }
-  HRESULT STDMETHODCALLTYPE AssignSysexPrefix(std::vector<std::uint8_t>) override {
-    return E_NOTIMPL;
-  }
-  HRESULT STDMETHODCALLTYPE SetSysexPrefix(const std::uint8_t*, std::uint32_t) override {
-    return E_NOTIMPL;
-  }
-
-  std::vector<std::uint32_t> messages;
-  std::vector<std::uint8_t> flags;
+  explicit RecordingFilter(bool active) : FakeLoopInstance(active, false) {}
 
  private:
-  bool m_active;
   CMultiInstanceTracker m_tracker{this};
 };
 

@@ -15,6 +15,7 @@ HRESULT FakeLoopInstance::GetEventCounters(std::uint32_t* received, std::uint32_
 
 HRESULT FakeLoopInstance::SendTestMessage(std::uint32_t message) {
   messages.push_back(message);
+  if (!m_counting) return S_OK;
   ++m_sent;
   for (FakeLoopInstance* listener : m_listeners) ++listener->m_received;
   return S_OK;

@@ -1,6 +1,7 @@
 // An instance reduced to what the closed-loop test calls on it: each test message it is asked
 // to send is counted as sent at once and as received by every instance wired to hear it, as a
-// wire would carry it. It is not registered anywhere; its owner walks it.
+// wire would carry it; or, when made not counting, its counters stay at zero so that a run never
+// ends by itself. It is not registered anywhere; its owner walks it, or a subclass registers it.
 #pragma once
 
 #include <cstdint>
@@ -9,9 +10,10 @@
 #include "interfaces/my_filter.h"
 #include "tests/support/fake_unknown.h"
 
-class FakeLoopInstance final : public FakeUnknown<IMyFilter> {
+class FakeLoopInstance : public FakeUnknown<IMyFilter> {
  public:
-  explicit FakeLoopInstance(bool outputActive = true) : m_active(outputActive) {}
+  explicit FakeLoopInstance(bool outputActive = true, bool counting = true)
+      : m_active(outputActive), m_counting(counting) {}
 
   // What this instance sends is heard by `listener` from now on (itself included).
   void WireTo(FakeLoopInstance& listener) { m_listeners.push_back(&listener); }
@@ -61,6 +63,7 @@ class FakeLoopInstance final : public FakeUnknown<IMyFilter> {
 
  private:
   bool m_active;
+  bool m_counting;
   std::vector<FakeLoopInstance*> m_listeners;
   std::uint32_t m_sent = 0;
   std::uint32_t m_received = 0;
