@@ -192,7 +192,9 @@ std::optional<Rack> ParseRack(std::string_view text, std::string& fault) {
     const Json json = Json::parse(text.begin(), text.end());
     if (!json.is_object() || json.value("format", "") != "tarn-rack")
       throw std::runtime_error("it is not a tarn rack (\"format\" must be \"tarn-rack\")");
-    if (json.value("version", 0) != 1) throw std::runtime_error("its \"version\" is not 1");
+    const auto version = json.find("version");
+    if (version == json.end() || !version->is_number_integer() || *version != 1)
+      throw std::runtime_error("its \"version\" is not 1");
     Rack rack;
     rack.settings = ReadSettings(json);
     if (!json.contains("instances") || !json.at("instances").is_array())

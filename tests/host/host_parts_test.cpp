@@ -228,6 +228,16 @@ TEST_F(RackFileTest, AFaultyEntryIsMarkedAndTheOthersKept) {
   EXPECT_EQ(rack->instances[3].state, (std::vector<std::uint8_t>{0x0A, 0xFF}));
 }
 
+TEST_F(RackFileTest, AVersionThatIsNotTheWholeNumberOneRefusesTheFile) {
+  for (const char* version : {"1444444444444444.4", "1.5", "\"1\"", "2"}) {
+    std::string error;
+    EXPECT_FALSE(LoadRackFile(Write(std::string(R"({"format":"tarn-rack","version":)") + version +
+                                    R"(,"instances":[]})"),
+                              error));
+    EXPECT_NE(error.find("its \"version\" is not 1"), std::string::npos) << error;
+  }
+}
+
 TEST_F(RackFileTest, AnEnvelopeValueNoParameterCanHoldMarksItsEntry) {
   std::string error;
   const auto rack = LoadRackFile(Write(R"({"format":"tarn-rack","version":1,"instances":[
