@@ -88,6 +88,8 @@ int main(int argc, char** argv) {
       ->check(CLI::Range(1.0, 86400.0));
   testCmd->add_flag("--report", test.report,
                     "Also print each port's round-trip latency, losses and duplicates");
+  testCmd->add_flag("--wait", test.wait,
+                    "Open the ports, then wait for Enter before starting, so they can be wired");
   AddBackEndOptions(*testCmd, test.backEnds, false);
 
   ConfigOptions config;

@@ -321,6 +321,14 @@ struct CQuietRack {
   CLiveRack live;
 };
 
+// End of input counts as Enter, so a closed or absent terminal cannot hold the test for ever.
+void WaitForEnter() {
+  std::printf("ports open: wire them, then press Enter to start the test\n");
+  std::fflush(stdout);
+  for (int c = std::getchar(); c != '\n' && c != EOF; c = std::getchar()) {
+  }
+}
+
 }  // namespace
 
 std::filesystem::path DefaultModulePath() {
@@ -527,6 +535,7 @@ int TestCommand(const TestOptions& options) {
       if (status == kClosedLoopTesting) latency.Begin();
     });
     IMyFilter* opener = live.Instances().empty() ? nullptr : live.Instances()[0].myFilter.Get();
+    if (options.wait) WaitForEnter();
     passed = runner.Run(opener);
     live.Stop(nullptr, nullptr);
     session->Close();

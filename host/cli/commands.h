@@ -69,10 +69,13 @@ struct TestOptions {
   std::uint32_t cleanRuns = 1;  // passes wanted before the host presses Stop
   double timeout = 30;          // seconds a run may take before the host presses Stop
   bool report = false;          // round-trip latency, losses and duplicates per port
+  bool wait = false;            // start only when a line arrives on standard input
 };
 // Runs the closed-loop wiring test over the rack's instances with real timers, printing each
 // status and the numbers as they move; 0 when the clean runs wanted passed and the outcome is
-// "Finished", 1 otherwise. With `report`, also prints the host's own figures.
+// "Finished", 1 otherwise. With `report`, also prints the host's own figures. With `wait`, the
+// ports are open before the test starts, so they can be wired first (JACK's ports exist only
+// while the host runs).
 int TestCommand(const TestOptions& options);
 
 struct ConfigOptions {

@@ -3,10 +3,14 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <gtest/gtest.h>
+
 #include <cctype>
+#include <csignal>
 #include <cstdlib>
 #include <fstream>
 #include <sstream>
+#include <thread>
 
 namespace fs = std::filesystem;
 
@@ -38,14 +42,38 @@ HostResult HostRunner::Run(const std::string& arguments) const {
 
 void HostRunner::Start(const std::string& arguments) {
   const std::string command = Command(arguments);
+  int input[2];
+  if (pipe(input) != 0) throw std::runtime_error("no pipe");
   m_started = fork();
   if (m_started == 0) {
+    dup2(input[0], STDIN_FILENO);
+    close(input[0]);
+    close(input[1]);
     execl("/bin/sh", "sh", "-c", command.c_str(), static_cast<char*>(nullptr));
     _exit(127);
   }
+  close(input[0]);
+  m_input = input[1];
+}
+
+bool HostRunner::WaitForOutput(const std::string& text,
+                               std::chrono::milliseconds timeout) const {
+  const auto deadline = std::chrono::steady_clock::now() + timeout;
+  while (Read("stdout.txt").find(text) == std::string::npos) {
+    if (std::chrono::steady_clock::now() >= deadline) return false;
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+  }
+  return true;
+}
+
+void HostRunner::Enter() {
+  std::signal(SIGPIPE, SIG_IGN);  // a host that has already ended must fail the test, not end it
+  if (m_input >= 0 && write(m_input, "\n", 1) != 1) ADD_FAILURE() << "the host took no input";
 }
 
 HostResult HostRunner::Wait() {
+  if (m_input >= 0) close(m_input);
+  m_input = -1;
   int status = 0;
   if (m_started <= 0 || waitpid(m_started, &status, 0) != m_started) return {-1, "", ""};
   m_started = -1;

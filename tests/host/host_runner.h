@@ -4,6 +4,7 @@
 
 #include <sys/types.h>
 
+#include <chrono>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -33,6 +34,11 @@ class HostRunner {
   HostResult Run(const std::string& arguments) const;
   // The same in the background: Run's result comes from Wait. One at a time.
   void Start(const std::string& arguments);
+  // Whether the started host has printed `text`, within `timeout`.
+  bool WaitForOutput(const std::string& text,
+                     std::chrono::milliseconds timeout = std::chrono::seconds(10)) const;
+  // A line on the started host's standard input, which ends when Wait begins.
+  void Enter();
   HostResult Wait();
   const std::filesystem::path& Folder() const { return m_folder; }
   std::filesystem::path File(const std::string& name) const { return m_folder / name; }
@@ -44,6 +50,7 @@ class HostRunner {
 
   std::filesystem::path m_folder;
   pid_t m_started = -1;
+  int m_input = -1;  // write end of the started host's standard input
 };
 
 // The monitor lines of `out`, in order.
