@@ -24,6 +24,7 @@ void CLoopTestRunner::ShowStatus(const std::wstring& text) {
     m_runStart = m_clock.Now();
   }
   std::fprintf(m_out, "%8.3f s  %s\n", Seconds(), WideToNarrow(text).c_str());
+  std::fflush(m_out);  // a pipe or a file follows the test as it moves, as a terminal does
   if (m_observer) m_observer(text);
 }
 
@@ -36,6 +37,7 @@ void CLoopTestRunner::Refresh(const ClosedLoopNumbers& numbers) {
   m_anyShown = true;
   std::fprintf(m_out, "%8.3f s  instances %u  sent %u  received %u  difference %d\n", Seconds(),
                numbers.instanceCount, numbers.sent, numbers.received, numbers.difference);
+  std::fflush(m_out);
 }
 
 void CLoopTestRunner::PressStop() {

@@ -49,6 +49,17 @@ TEST_F(LoopTestCommand, OneInstanceWiredToItselfPassesWithEveryMessageBackOnce) 
     EXPECT_TRUE(Has(result.out, line)) << line << " in\n" << result.out;
 }
 
+TEST_F(LoopTestCommand, WithWaitTheTestStartsOnEnterOnly) {
+  MakeRack({1});
+  m_host.Start("test rack.json --wait");
+  ASSERT_TRUE(m_host.WaitForOutput("ports open: wire them, then press Enter to start the test\n"));
+  EXPECT_FALSE(m_host.WaitForOutput("Waiting for quiescence", std::chrono::milliseconds(300)));
+  m_host.Enter();
+  const HostResult result = m_host.Wait();
+  EXPECT_EQ(result.code, 0) << result.out << result.err;
+  EXPECT_TRUE(Has(result.out, "instances 1  sent 640  received 640  difference 0\n")) << result.out;
+}
+
 TEST_F(LoopTestCommand, TwoInstancesThatEachHearBothPassWithEveryMessageHeardTwice) {
   MakeRack({1, 1});
   const HostResult result = m_host.Run("test rack.json");
