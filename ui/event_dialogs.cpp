@@ -15,45 +15,6 @@ namespace {
 
 QString Q(const wchar_t* text) { return QString::fromWCharArray(text); }
 
-// Name and description on top of each dialog.
-QFormLayout* AddNameRows(CModalDialog& dialog, CEventBoxes& boxes, QVBoxLayout& column) {
-  auto* form = new QFormLayout;
-  for (const auto& [id, label] : {std::pair{kEventNameBox, kEventNameLabel},
-                                  std::pair{kEventDescriptionBox, kEventDescriptionLabel}}) {
-    QLineEdit* box = MakeEdit(&dialog, id);
-    boxes.Add(id, box);
-    form->addRow(Q(label), box);
-  }
-  column.addLayout(form);
-  return form;
-}
-
-// A number box of digits only, with its label before it, in a row.
-QLineEdit* AddNumber(CModalDialog& dialog, CEventBoxes& boxes, QBoxLayout& row, int id,
-                     const wchar_t* label) {
-  QLineEdit* box = MakeEdit(&dialog, id, true);
-  box->setMaximumWidth(70);
-  boxes.Add(id, box);
-  auto* text = new QLabel(Q(label), &dialog);
-  text->setBuddy(box);
-  row.addWidget(text);
-  row.addWidget(box);
-  return box;
-}
-
-// OK, the default, and Cancel at the bottom right.
-void AddOkCancel(CModalDialog& dialog, QVBoxLayout& column, std::function<void()> ok,
-                 std::function<void()> cancel) {
-  auto* row = new QHBoxLayout;
-  row->addStretch(1);
-  QPushButton* okButton = MakeButton(&dialog, kDialogOk, L"OK", std::move(ok));
-  okButton->setDefault(true);
-  row->addWidget(okButton);
-  row->addWidget(MakeButton(&dialog, kDialogCancel, L"Cancel", std::move(cancel)));
-  column.addStretch(1);
-  column.addLayout(row);
-}
-
 }  // namespace
 
 QLineEdit* CEventBoxes::Box(int control) const {
@@ -77,15 +38,96 @@ void CEventBoxes::FocusItem(int control) {
   }
 }
 
-CQtProgramDialogView::CQtProgramDialogView(QWidget* parent)
-    : m_dialog(new CModalDialog(parent, program_dialog::kTitle, program_dialog::kWidthDlu,
-                                program_dialog::kHeightDlu, [this] {
+template <class View, class Events>
+CQtEventDialog<View, Events>::CQtEventDialog(QWidget* parent, const wchar_t* title, int widthDlu,
+                                             int heightDlu)
+    : m_dialog(new CModalDialog(parent, title, widthDlu, heightDlu,
+                                [this] {
                                   if (m_events) m_events->OnCancel();
-                                })) {
-  namespace ids = program_dialog;
-  auto* column = new QVBoxLayout(m_dialog);
-  AddNameRows(*m_dialog, m_boxes, *column);
+                                })),
+      m_column(new QVBoxLayout(m_dialog)) {
+  auto* form = new QFormLayout;
+  for (const auto& [id, label] : {std::pair{kEventNameBox, kEventNameLabel},
+                                  std::pair{kEventDescriptionBox, kEventDescriptionLabel}}) {
+    QLineEdit* box = MakeEdit(m_dialog, id);
+    m_boxes.Add(id, box);
+    form->addRow(Q(label), box);
+  }
+  m_column->addLayout(form);
+}
 
+template <class View, class Events>
+CQtEventDialog<View, Events>::~CQtEventDialog() {
+  m_events = nullptr;
+  delete m_dialog.data();
+}
+
+template <class View, class Events>
+QLineEdit* CQtEventDialog<View, Events>::AddNumber(QBoxLayout& row, int id,
+                                                   const wchar_t* label) {
+  QLineEdit* box = MakeEdit(m_dialog, id, true);
+  box->setMaximumWidth(70);
+  m_boxes.Add(id, box);
+  auto* text = new QLabel(Q(label), m_dialog);
+  text->setBuddy(box);
+  row.addWidget(text);
+  row.addWidget(box);
+  return box;
+}
+
+// OK, the default, and Cancel at the bottom right.
+template <class View, class Events>
+void CQtEventDialog<View, Events>::AddOkCancel() {
+  auto* row = new QHBoxLayout;
+  row->addStretch(1);
+  QPushButton* ok = MakeButton(m_dialog, kDialogOk, L"OK", [this] {
+    if (m_events) m_events->OnOk();
+  });
+  ok->setDefault(true);
+  row->addWidget(ok);
+  row->addWidget(MakeButton(m_dialog, kDialogCancel, L"Cancel", [this] {
+    if (m_events) m_events->OnCancel();
+  }));
+  m_column->addStretch(1);
+  m_column->addLayout(row);
+}
+
+template <class View, class Events>
+void CQtEventDialog<View, Events>::SetItemText(int control, const std::wstring& text) {
+  m_boxes.SetItemText(control, text);
+}
+
+template <class View, class Events>
+std::wstring CQtEventDialog<View, Events>::ItemText(int control) const {
+  return m_boxes.ItemText(control);
+}
+
+template <class View, class Events>
+void CQtEventDialog<View, Events>::FocusItem(int control) {
+  m_boxes.FocusItem(control);
+}
+
+template <class View, class Events>
+int CQtEventDialog<View, Events>::RunModal(Events& events) {
+  m_events = &events;
+  const int result = m_dialog ? m_dialog->Run() : kDialogCancel;
+  m_events = nullptr;
+  return result;
+}
+
+template <class View, class Events>
+void CQtEventDialog<View, Events>::EndDialog(int result) {
+  if (m_dialog) m_dialog->End(result);
+}
+
+template class CQtEventDialog<IProgramDialogView, IProgramDialogEvents>;
+template class CQtEventDialog<IControllerDialogView, IModalEvents>;
+template class CQtEventDialog<IWaitDialogView, IModalEvents>;
+
+CQtProgramDialogView::CQtProgramDialogView(QWidget* parent)
+    : CQtEventDialog(parent, program_dialog::kTitle, program_dialog::kWidthDlu,
+                     program_dialog::kHeightDlu) {
+  namespace ids = program_dialog;
   auto* presets = new QGroupBox(Q(ids::kPresetLabel), m_dialog);
   auto* presetRow = new QHBoxLayout(presets);
   QLineEdit* presetName = MakeEdit(m_dialog, ids::kPresetName);
@@ -97,11 +139,11 @@ CQtProgramDialogView::CQtProgramDialogView(QWidget* parent)
   });
   m_presetButton->setFixedWidth(32);
   presetRow->addWidget(m_presetButton);
-  column->addWidget(presets);
+  Column().addWidget(presets);
 
   auto* manual = new QGroupBox(Q(ids::kManualLabel), m_dialog);
   auto* manualRow = new QHBoxLayout(manual);
-  AddNumber(*m_dialog, m_boxes, *manualRow, ids::kChannelBox, ids::kChannelLabel);
+  AddNumber(*manualRow, ids::kChannelBox, ids::kChannelLabel);
   auto* bank = new QGroupBox(Q(ids::kBankGroup), m_dialog);
   auto* bankRow = new QHBoxLayout(bank);
   for (auto [id, label, box] : {std::tuple{ids::kMsbBox, ids::kMsbLabel, &m_msb},
@@ -114,29 +156,10 @@ CQtProgramDialogView::CQtProgramDialogView(QWidget* parent)
     bankRow->addWidget(*box);
   }
   manualRow->addWidget(bank);
-  AddNumber(*m_dialog, m_boxes, *manualRow, ids::kProgramBox, ids::kProgramLabel);
-  column->addWidget(manual);
-
-  AddOkCancel(
-      *m_dialog, *column,
-      [this] {
-        if (m_events) m_events->OnOk();
-      },
-      [this] {
-        if (m_events) m_events->OnCancel();
-      });
+  AddNumber(*manualRow, ids::kProgramBox, ids::kProgramLabel);
+  Column().addWidget(manual);
+  AddOkCancel();
 }
-
-CQtProgramDialogView::~CQtProgramDialogView() {
-  m_events = nullptr;
-  delete m_dialog.data();
-}
-
-void CQtProgramDialogView::SetItemText(int control, const std::wstring& text) {
-  m_boxes.SetItemText(control, text);
-}
-std::wstring CQtProgramDialogView::ItemText(int control) const { return m_boxes.ItemText(control); }
-void CQtProgramDialogView::FocusItem(int control) { m_boxes.FocusItem(control); }
 
 ITextBoxView& CQtProgramDialogView::BankBox(int control) {
   return control == program_dialog::kLsbBox ? *m_lsb : *m_msb;
@@ -147,73 +170,23 @@ ScreenPoint CQtProgramDialogView::PresetButtonCorner() const {
   return {corner.x(), corner.y()};
 }
 
-int CQtProgramDialogView::RunModal(IProgramDialogEvents& events) {
-  m_events = &events;
-  const int result = m_dialog ? m_dialog->Run() : kDialogCancel;
-  m_events = nullptr;
-  return result;
-}
-
-void CQtProgramDialogView::EndDialog(int result) {
-  if (m_dialog) m_dialog->End(result);
-}
-
 CQtControllerDialogView::CQtControllerDialogView(QWidget* parent)
-    : m_dialog(new CModalDialog(parent, controller_dialog::kTitle, controller_dialog::kWidthDlu,
-                                controller_dialog::kHeightDlu, [this] {
-                                  if (m_events) m_events->OnCancel();
-                                })) {
+    : CQtEventDialog(parent, controller_dialog::kTitle, controller_dialog::kWidthDlu,
+                     controller_dialog::kHeightDlu) {
   namespace ids = controller_dialog;
-  auto* column = new QVBoxLayout(m_dialog);
-  AddNameRows(*m_dialog, m_boxes, *column);
   auto* row = new QHBoxLayout;
-  AddNumber(*m_dialog, m_boxes, *row, ids::kChannelBox, ids::kChannelLabel);
-  AddNumber(*m_dialog, m_boxes, *row, ids::kControllerBox, ids::kControllerLabel);
-  AddNumber(*m_dialog, m_boxes, *row, ids::kValueBox, ids::kValueLabel);
+  AddNumber(*row, ids::kChannelBox, ids::kChannelLabel);
+  AddNumber(*row, ids::kControllerBox, ids::kControllerLabel);
+  AddNumber(*row, ids::kValueBox, ids::kValueLabel);
   row->addStretch(1);
-  column->addLayout(row);
-  AddOkCancel(
-      *m_dialog, *column,
-      [this] {
-        if (m_events) m_events->OnOk();
-      },
-      [this] {
-        if (m_events) m_events->OnCancel();
-      });
-}
-
-CQtControllerDialogView::~CQtControllerDialogView() {
-  m_events = nullptr;
-  delete m_dialog.data();
-}
-
-void CQtControllerDialogView::SetItemText(int control, const std::wstring& text) {
-  m_boxes.SetItemText(control, text);
-}
-std::wstring CQtControllerDialogView::ItemText(int control) const {
-  return m_boxes.ItemText(control);
-}
-void CQtControllerDialogView::FocusItem(int control) { m_boxes.FocusItem(control); }
-
-int CQtControllerDialogView::RunModal(IModalEvents& events) {
-  m_events = &events;
-  const int result = m_dialog ? m_dialog->Run() : kDialogCancel;
-  m_events = nullptr;
-  return result;
-}
-
-void CQtControllerDialogView::EndDialog(int result) {
-  if (m_dialog) m_dialog->End(result);
+  Column().addLayout(row);
+  AddOkCancel();
 }
 
 CQtWaitDialogView::CQtWaitDialogView(QWidget* parent)
-    : m_dialog(new CModalDialog(parent, wait_dialog::kTitle, wait_dialog::kWidthDlu,
-                                wait_dialog::kHeightDlu, [this] {
-                                  if (m_events) m_events->OnCancel();
-                                })) {
-  auto* column = new QVBoxLayout(m_dialog);
-  AddNameRows(*m_dialog, m_boxes, *column);
-  column->addWidget(MakeLabel(m_dialog, wait_dialog::kHelp));
+    : CQtEventDialog(parent, wait_dialog::kTitle, wait_dialog::kWidthDlu,
+                     wait_dialog::kHeightDlu) {
+  Column().addWidget(MakeLabel(m_dialog, wait_dialog::kHelp));
   auto* row = new QHBoxLayout;
   QLineEdit* milliseconds = MakeEdit(m_dialog, wait_dialog::kMillisecondsBox, true);
   milliseconds->setMaximumWidth(90);
@@ -221,35 +194,6 @@ CQtWaitDialogView::CQtWaitDialogView(QWidget* parent)
   row->addWidget(milliseconds);
   row->addWidget(new QLabel(QStringLiteral("ms"), m_dialog));
   row->addStretch(1);
-  column->addLayout(row);
-  AddOkCancel(
-      *m_dialog, *column,
-      [this] {
-        if (m_events) m_events->OnOk();
-      },
-      [this] {
-        if (m_events) m_events->OnCancel();
-      });
-}
-
-CQtWaitDialogView::~CQtWaitDialogView() {
-  m_events = nullptr;
-  delete m_dialog.data();
-}
-
-void CQtWaitDialogView::SetItemText(int control, const std::wstring& text) {
-  m_boxes.SetItemText(control, text);
-}
-std::wstring CQtWaitDialogView::ItemText(int control) const { return m_boxes.ItemText(control); }
-void CQtWaitDialogView::FocusItem(int control) { m_boxes.FocusItem(control); }
-
-int CQtWaitDialogView::RunModal(IModalEvents& events) {
-  m_events = &events;
-  const int result = m_dialog ? m_dialog->Run() : kDialogCancel;
-  m_events = nullptr;
-  return result;
-}
-
-void CQtWaitDialogView::EndDialog(int result) {
-  if (m_dialog) m_dialog->End(result);
+  Column().addLayout(row);
+  AddOkCancel();
 }

@@ -11,7 +11,9 @@
 #include "editor/event_dialog_views.h"
 #include "ui/modal_dialog.h"
 
+class QBoxLayout;
 class QPushButton;
+class QVBoxLayout;
 class CTextBox;
 
 // The boxes of one dialog by control id, shared by the three views.
@@ -27,61 +29,55 @@ class CEventBoxes {
   std::map<int, QPointer<QLineEdit>> m_boxes;
 };
 
-class CQtProgramDialogView final : public IProgramDialogView {
+// What the three dialogs share: the modal window with the name and description on top and OK and
+// Cancel at the bottom, the boxes by id, and the events while the dialog is shown. Each dialog
+// adds its own rows to Column() in its constructor, then calls AddOkCancel().
+template <class View, class Events>
+class CQtEventDialog : public View {
  public:
-  explicit CQtProgramDialogView(QWidget* parent);
-  ~CQtProgramDialogView() override;
+  ~CQtEventDialog() override;
 
   void SetItemText(int control, const std::wstring& text) override;
   std::wstring ItemText(int control) const override;
   void FocusItem(int control) override;
-  ITextBoxView& BankBox(int control) override;
-  ScreenPoint PresetButtonCorner() const override;
-  int RunModal(IProgramDialogEvents& events) override;
+  int RunModal(Events& events) override;
   void EndDialog(int result) override;
 
+ protected:
+  CQtEventDialog(QWidget* parent, const wchar_t* title, int widthDlu, int heightDlu);
+  QVBoxLayout& Column() { return *m_column; }
+  // A number box of digits only, with its label before it, in `row`.
+  QLineEdit* AddNumber(QBoxLayout& row, int id, const wchar_t* label);
+  void AddOkCancel();
 
- private:
   QPointer<CModalDialog> m_dialog;
   CEventBoxes m_boxes;
+  Events* m_events = nullptr;
+
+ private:
+  QVBoxLayout* m_column;
+};
+
+class CQtProgramDialogView final
+    : public CQtEventDialog<IProgramDialogView, IProgramDialogEvents> {
+ public:
+  explicit CQtProgramDialogView(QWidget* parent);
+
+  ITextBoxView& BankBox(int control) override;
+  ScreenPoint PresetButtonCorner() const override;
+
+ private:
   CTextBox* m_msb;
   CTextBox* m_lsb;
   QPushButton* m_presetButton;
-  IProgramDialogEvents* m_events = nullptr;
 };
 
-class CQtControllerDialogView final : public IControllerDialogView {
+class CQtControllerDialogView final : public CQtEventDialog<IControllerDialogView, IModalEvents> {
  public:
   explicit CQtControllerDialogView(QWidget* parent);
-  ~CQtControllerDialogView() override;
-
-  void SetItemText(int control, const std::wstring& text) override;
-  std::wstring ItemText(int control) const override;
-  void FocusItem(int control) override;
-  int RunModal(IModalEvents& events) override;
-  void EndDialog(int result) override;
-
-
- private:
-  QPointer<CModalDialog> m_dialog;
-  CEventBoxes m_boxes;
-  IModalEvents* m_events = nullptr;
 };
 
-class CQtWaitDialogView final : public IWaitDialogView {
+class CQtWaitDialogView final : public CQtEventDialog<IWaitDialogView, IModalEvents> {
  public:
   explicit CQtWaitDialogView(QWidget* parent);
-  ~CQtWaitDialogView() override;
-
-  void SetItemText(int control, const std::wstring& text) override;
-  std::wstring ItemText(int control) const override;
-  void FocusItem(int control) override;
-  int RunModal(IModalEvents& events) override;
-  void EndDialog(int result) override;
-
-
- private:
-  QPointer<CModalDialog> m_dialog;
-  CEventBoxes m_boxes;
-  IModalEvents* m_events = nullptr;
 };
