@@ -377,6 +377,7 @@ void PageTest::opensTheAboutBoxFromTheLogo() {
   QTest::mouseClick(&rig.Page(), Qt::LeftButton, {}, QPoint(600, 145));
   QVERIFY2(faults.isEmpty(), qPrintable(faults.join(QLatin1Char('\n'))));
   QVERIFY2(shown.contains(QLatin1String("Version:")), qPrintable(shown));
+  QVERIFY2(shown.contains(QLatin1String(TARN_ABOUT_VERSION)), qPrintable(shown));
   QVERIFY2(!shown.contains(QLatin1String("temp")), "the version replaced its placeholder");
 }
 
