@@ -176,35 +176,6 @@ TEST(State, PauseFromStoppedActivatesConnectedPinsAndStopDeactivatesThem) {
   EXPECT_EQ(c.filter->GetState(0, nullptr), E_POINTER);
 }
 
-TEST_F(Connected, SamplesArriveWithTheirBytesTimesMarksAndLength) {
-  const float first[] = {1.f, 2.f, 3.f, 4.f};
-  const float second[] = {5.f, 6.f};
-  EXPECT_EQ(chain.source.PushFloats(
-                first, {.start = 100, .stop = 200, .syncPoint = true, .discontinuity = true}),
-            S_OK);
-  EXPECT_EQ(chain.source.PushFloats(second, {.start = 300}), S_OK);
-  EXPECT_EQ(chain.source.PushFloats({}, {.preroll = true}), S_OK);
-
-  const auto seen = chain.sink.Samples();
-  ASSERT_EQ(seen.size(), 3u);
-  EXPECT_EQ(seen[0].actualLength, 16);
-  EXPECT_EQ(0, std::memcmp(seen[0].bytes.data(), first, sizeof first));
-  EXPECT_EQ(seen[0].timeResult, S_OK);
-  EXPECT_EQ(seen[0].start, 100);
-  EXPECT_EQ(seen[0].stop, 200);
-  EXPECT_TRUE(seen[0].syncPoint && seen[0].discontinuity && !seen[0].preroll);
-
-  EXPECT_EQ(seen[1].actualLength, 8);
-  EXPECT_EQ(seen[1].timeResult, VFW_S_NO_STOP_TIME);
-  EXPECT_EQ(seen[1].start, 300);
-  EXPECT_FALSE(seen[1].syncPoint || seen[1].discontinuity);
-
-  EXPECT_EQ(seen[2].actualLength, 0);
-  EXPECT_EQ(seen[2].timeResult, VFW_E_SAMPLE_TIME_NOT_SET);
-  EXPECT_TRUE(seen[2].preroll);
-  EXPECT_FALSE(seen[2].silent.has_value()) << "the sink's own allocator offers no silence";
-}
-
 TEST_F(Connected, EndOfStreamSegmentsAndFlushesPassDownstream) {
   EXPECT_EQ(chain.source.NewSegment(10, 20, 1.5), S_OK);
   EXPECT_EQ(chain.source.EndOfStream(), S_OK);
@@ -252,29 +223,6 @@ TEST(Delivery, AnUnconnectedOutputPinDeliversNothing) {
   EXPECT_EQ(out.EndOfStream(), E_UNEXPECTED) << "nothing flows into an output pin";
   EXPECT_EQ(static_cast<PassThroughFilter*>(held.Get())->Input().CheckStreaming(),
             VFW_E_NOT_CONNECTED);
-}
-
-TEST(Silence, TheFlagTravelsOnlyOnSamplesThatOfferIt) {
-  const float one[] = {1.f};
-  for (const bool offered : {true, false}) {
-    FakeSource source(kFloatStereo, {.samplesOfferSilence = offered});
-    FakeSink sink;
-    ASSERT_EQ(source.ConnectTo(sink.Input()), S_OK);
-    sink.Pause();
-    source.Pause();
-    source.PushFloats(one, {.silent = true});
-    source.PushFloats(one);
-    const auto seen = sink.Samples();
-    ASSERT_EQ(seen.size(), 2u);
-    if (offered) {
-      EXPECT_EQ(seen[0].silent, std::optional(true));
-      EXPECT_EQ(seen[1].silent, std::optional(false));
-    } else {
-      EXPECT_FALSE(seen[0].silent.has_value());
-    }
-    source.Stop();
-    sink.Stop();
-  }
 }
 
 TEST(Graph, EventsReachTheGraphsSinkOnlyWhileTheFilterIsInIt) {
