@@ -314,15 +314,13 @@ struct RecordedSteps {
 
 using Segments = std::vector<std::pair<std::int32_t, std::int64_t>>;
 
-TEST(AudioSegments, AChangeAtTheCurrentPositionProcessesNothing) {
-  RecordedSteps steps;
-  const std::int64_t changes[] = {1000};
-  EXPECT_EQ(CutAtChanges(changes, 1000, 64, steps), S_OK);
-  EXPECT_EQ(steps.segments, (Segments{{64, 1000}})) << "only the rest, whole";
-  EXPECT_EQ(steps.applied, (std::vector<std::int64_t>{1000, 1000}));
-}
-
 TEST(AudioSegments, ChangesCutSegmentsToTheFramesLeftAndSkipEmptyOnes) {
+  RecordedSteps atStart;
+  const std::int64_t now[] = {1000};
+  EXPECT_EQ(CutAtChanges(now, 1000, 64, atStart), S_OK);
+  EXPECT_EQ(atStart.segments, (Segments{{64, 1000}})) << "a change at the start: the rest, whole";
+  EXPECT_EQ(atStart.applied, (std::vector<std::int64_t>{1000, 1000}));
+
   RecordedSteps steps;
   const std::int64_t changes[] = {10, 10, 60};
   EXPECT_EQ(CutAtChanges(changes, 0, 40, steps), S_OK);

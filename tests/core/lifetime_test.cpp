@@ -98,25 +98,6 @@ TEST(PinLifetime, AFoundPinKeepsTheFilterAlive) {
   const auto owner = ComPtr<IBaseFilter>::Attach(info.pFilter);
 }
 
-TEST(StoredListSafety, EditingTheListWhileItIsSentIsSafe) {
-  ConnectedRig rig;
-  rig.EnableOutput();
-  rig.Start();
-  const CStoredEvent note = Message(0x90, 60, 100);
-  std::atomic<bool> done{false};
-  std::thread editor([&] {
-    for (int i = 0; i < 2000; ++i) {
-      rig.instance->InsertEvent(0, &note);
-      rig.instance->InsertEvent(1, &note);
-      rig.instance->RemoveEvent(0);
-    }
-    done = true;
-  });
-  while (!done) rig.instance->SendEnabledEvents();
-  editor.join();
-  rig.Stop();
-}
-
 TEST(PortChoiceSafety, ChoosingPortsWhileOthersReadThemIsSafe) {
   ConnectedRig rig;
   rig.ports.SetInputs({L"In A"});

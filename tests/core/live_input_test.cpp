@@ -52,22 +52,6 @@ TEST(LiveInput, LevelsComeFromVelocityWithAFloorOfTen) {
   rig.Stop();
 }
 
-TEST(LiveInput, TheClosedLoopTestKeepsInputFromTheWorkerButCountsIt) {
-  ConnectedRig rig;
-  rig.EnableOutput();
-  rig.Start();
-  rig.instance->SetClosedLoopTest(1);
-  FakeDataList list({Live(0x90, 60, 100)});
-  rig.instance->OnInput(0, &list);
-  rig.instance->SetClosedLoopTest(0);
-  rig.instance->OnInput(0, &list);
-  ASSERT_TRUE(rig.ports.WaitForSends(1, 2000));
-  std::this_thread::sleep_for(std::chrono::milliseconds(20));
-  EXPECT_EQ(rig.ports.SendCount(), 1u);
-  EXPECT_EQ(Received(rig), 2u);
-  rig.Stop();
-}
-
 TEST(LiveInput, AnswersForBadListsAndMissingHosts) {
   TestInstance unconnected;
   FakeDataList list({Live(0x90, 1, 1)});

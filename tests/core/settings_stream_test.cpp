@@ -157,39 +157,6 @@ TEST(SavedState, AFreshInstanceRestoresEverythingAndSavesTheSameBytes) {
   EXPECT_TRUE(Save(again.instance.filter()) == second) << "a grown prefix grows no further";
 }
 
-TEST(SavedState, ALoadSendsTheEnabledEventsInListOrderWithTheirPauses) {
-  ConnectedRig source;
-  source.EnableOutput();
-  auto insert = [&](CStoredEvent e) { source.instance->InsertEvent(EventCount(source.instance.filter()), &e); };
-  insert(CStoredEvent::FromMessage(ShortMessage::FromBytes(0x90, 60, 100)));
-  CStoredEvent pause;
-  pause.SetEnabled(true);
-  pause.SetWait(150);
-  insert(pause);
-  CStoredEvent sysex = CStoredEvent::FromMessage({});
-  sysex.SetMessages({});
-  sysex.SetSysex({0xF0, 0x7E, 0x7F, 0xF7});
-  insert(sysex);
-  CStoredEvent disabled = CStoredEvent::FromMessage(ShortMessage::FromBytes(0xB0, 7, 1));
-  disabled.SetEnabled(false);
-  insert(disabled);
-  insert(CStoredEvent::FromMessage(ShortMessage::FromBytes(0x80, 60, 0)));
-
-  ConnectedRig rig;
-  rig.Start();
-  ASSERT_EQ(Load(rig.instance.filter(), Save(source.instance.filter())), S_OK);
-  ASSERT_TRUE(rig.ports.WaitForSends(3, 5000));
-  EXPECT_FALSE(rig.ports.WaitForSends(4, 300)) << "the disabled event is not sent";
-  const auto sent = rig.ports.Sends();
-  ASSERT_EQ(sent.size(), 3u);
-  EXPECT_EQ(sent[0].message, ShortMessage::FromBytes(0x90, 60, 100).message);
-  EXPECT_TRUE(sent[1].sysex);
-  EXPECT_EQ(sent[1].bytes, (Bytes{0xF0, 0x7E, 0x7F, 0xF7}));
-  EXPECT_GE(sent[1].at - sent[0].at, std::chrono::milliseconds(140));
-  EXPECT_EQ(sent[2].message, ShortMessage::FromBytes(0x80, 60, 0).message);
-  rig.Stop();
-}
-
 TEST(SavedState, AFreshInstanceWritesOnlyTheDeviceAndItsTwoSettings) {
   TestInstance instance;
   EXPECT_EQ(Text(instance.filter()),

@@ -87,7 +87,7 @@ TEST_F(Worker, KeepsOrderAcrossKindsAndHonoursAPause) {
   EXPECT_GE(sent[1].at - sent[0].at, 500ms);
 }
 
-TEST_F(Worker, OverlaysThePrefixWithoutChangingTheLength) {
+TEST_F(Worker, OverlaysAPrefixStartingWithF0WithoutChangingTheLength) {
   const Bytes prefix{0xF0, 0x43, 0x10, 0x4C};
   rig.instance->SetSysexPrefix(prefix.data(), 4);
   PostAndDrain(Sysex({0xF0, 0x7E, 0xF7}), 1);
@@ -95,13 +95,11 @@ TEST_F(Worker, OverlaysThePrefixWithoutChangingTheLength) {
   const auto sent = rig.ports.Sends();
   EXPECT_EQ(sent[0].bytes, (Bytes{0xF0, 0x43, 0xF7}));
   EXPECT_EQ(sent[1].bytes, (Bytes{0xF0, 0x43, 0x10, 0x4C, 0x04, 0x05, 0xF7}));
-}
 
-TEST_F(Worker, APrefixNotStartingWithF0HasNoEffect) {
-  const Bytes prefix{0x43, 0x10};
-  rig.instance->SetSysexPrefix(prefix.data(), 2);
-  PostAndDrain(Sysex({0xF0, 0x7E, 0x00, 0xF7}), 1);
-  EXPECT_EQ(rig.ports.Sends()[0].bytes, (Bytes{0xF0, 0x7E, 0x00, 0xF7}));
+  const Bytes notF0{0x43, 0x10};
+  rig.instance->SetSysexPrefix(notF0.data(), 2);
+  PostAndDrain(Sysex({0xF0, 0x7E, 0x00, 0xF7}), 3);
+  EXPECT_EQ(rig.ports.Sends()[2].bytes, (Bytes{0xF0, 0x7E, 0x00, 0xF7})) << "no F0: no effect";
 }
 
 TEST_F(Worker, RechannelsChannelMessagesOnlyForOneToSixteen) {
@@ -257,11 +255,8 @@ TEST(WorkerLife, APostWhileStoppedIsLostAndStopWhenStoppedIsHarmless) {
   EXPECT_EQ(rig.ports.SendCount(), 0u);
 }
 
-TEST(WorkerLife, StopReturnsAtOnceAndTheSleeperFinishesItsBatch) {
+TEST_F(Worker, StopReturnsAtOnceAndTheSleeperFinishesItsBatch) {
   // Margins are wide so that a loaded machine cannot blur "waited for the pause" and "did not".
-  ConnectedRig rig;
-  rig.EnableOutput();
-  rig.Start();
   PostAsOneBatch(rig, {Wait(1500), Message(0x90, 2, 2)});
   std::this_thread::sleep_for(20ms);  // the worker is asleep in the pause
   const auto t0 = std::chrono::steady_clock::now();
@@ -274,10 +269,7 @@ TEST(WorkerLife, StopReturnsAtOnceAndTheSleeperFinishesItsBatch) {
 
 // A graph stopped and started again while the old worker sleeps in a pause: what was posted to
 // the new worker still goes out after the old batch, as it was posted after it.
-TEST(WorkerLife, AfterAStopAndAStartTheOldBatchStillGoesOutFirst) {
-  ConnectedRig rig;
-  rig.EnableOutput();
-  rig.Start();
+TEST_F(Worker, AfterAStopAndAStartTheOldBatchStillGoesOutFirst) {
   PostAsOneBatch(rig, {Wait(300), Message(0x90, 1, 1)});
   std::this_thread::sleep_for(20ms);  // the worker is asleep in the pause
   rig.Stop();
@@ -286,13 +278,9 @@ TEST(WorkerLife, AfterAStopAndAStartTheOldBatchStillGoesOutFirst) {
   ASSERT_TRUE(rig.ports.WaitForSends(2, 5000));
   EXPECT_EQ(rig.ports.Sends()[0].message, Packed(0x90, 1, 1));
   EXPECT_EQ(rig.ports.Sends()[1].message, Packed(0x90, 2, 2));
-  rig.Stop();
 }
 
-TEST(WorkerLife, SendEnabledEventsPostsOnlyEnabledOnesInListOrder) {
-  ConnectedRig rig;
-  rig.EnableOutput();
-  rig.Start();
+TEST_F(Worker, SendEnabledEventsPostsOnlyEnabledOnesInListOrder) {
   CStoredEvent a = Message(0xC0, 1, 0), b = Message(0xC0, 2, 0), c = Message(0xC0, 3, 0);
   b.SetEnabled(false);
   rig.instance->InsertEvent(0, &a);
@@ -305,7 +293,6 @@ TEST(WorkerLife, SendEnabledEventsPostsOnlyEnabledOnesInListOrder) {
   ASSERT_EQ(sent.size(), 2u);
   EXPECT_EQ(sent[0].message, Packed(0xC0, 1, 0));
   EXPECT_EQ(sent[1].message, Packed(0xC0, 3, 0));
-  rig.Stop();
 }
 
 }  // namespace

@@ -38,15 +38,12 @@ std::string Encoded(const std::vector<unsigned char>& bytes) {
 
 using Bytes = std::vector<unsigned char>;
 
-TEST(Base64, PadsTheLastGroupByHowManyBytesItHolds) {
+TEST(Base64, PadsTheLastGroupByHowManyBytesItHoldsAndNothingGivesNoText) {
   EXPECT_EQ(Encoded({0x41}), "QQ==");
   EXPECT_EQ(Encoded({0x41, 0x42}), "QUI=");
   EXPECT_EQ(Encoded({0x41, 0x42, 0x43}), "QUJD");
   EXPECT_EQ(Encoded({0xFB, 0xFF, 0x00, 0x3E}), "+/8APg==");
-}
-
-TEST(Base64, EncodingNothingOnAFreshCoderLeavesNoText) {
-  CBase64Coder coder;
+  CBase64Coder coder;  // nothing on a fresh coder leaves no text
   coder.Encode(static_cast<const char*>(nullptr));
   coder.Encode("");
   EXPECT_EQ(coder.EncodedMessage(), nullptr);

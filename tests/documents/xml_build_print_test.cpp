@@ -1,15 +1,11 @@
 #include <gtest/gtest.h>
 
-#include <cstdint>
 #include <cstdio>
-#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
 #include <string>
-#include <vector>
 
-#include "documents/base64_coder.h"
 #include "documents/xml.h"
 
 namespace {
@@ -171,47 +167,6 @@ TEST(XmlStream, ReadsUpToTheEndOfTheFirstElementAndParsesIt) {
   TiXmlElement element("");
   cut >> element;
   EXPECT_STREQ(element.Value(), "a");
-}
-
-// A sysex dump of a megabyte goes through a file as the saved state carries it.
-TEST(XmlBase64, LargeSysexBlockRoundTripsThroughSharedBlob) {
-  std::vector<unsigned char> sysex(1 << 20);
-  std::uint32_t seed = 12345;
-  for (unsigned char& byte : sysex) {
-    seed = seed * 1664525u + 1013904223u;
-    byte = static_cast<unsigned char>(seed >> 24);
-  }
-  sysex.front() = 0xF0;
-  sysex.back() = 0xF7;
-  CBase64Coder encoder;
-  encoder.Encode(sysex.data(), static_cast<std::uint32_t>(sysex.size()));
-
-  TiXmlDocument doc;
-  TiXmlElement blob("SharedBlob");
-  blob.InsertEndChild(TiXmlBase64Text(encoder.EncodedMessage()));
-  doc.InsertEndChild(TiXmlElement("Config"))->InsertEndChild(blob);
-  const std::filesystem::path path = TempFile("tarn_xml_sysex.xml");
-  ASSERT_TRUE(doc.SaveFile(path.string()));
-  TiXmlDocument loaded;
-  ASSERT_TRUE(loaded.LoadFile(path.string()));
-  std::filesystem::remove(path);
-
-  const TiXmlText* text =
-      TiXmlHandle(loaded.RootElement()).FirstChild("SharedBlob").FirstChild().Text();
-  ASSERT_NE(text, nullptr);
-  EXPECT_EQ(std::strlen(text->Value()), encoder.EncodedMessageSize());
-  CBase64Coder decoder;
-  decoder.Decode(text->Value());
-  // 2^20 bytes leave one byte in the last group, so two padding zeros follow.
-  ASSERT_EQ(decoder.DecodedMessageSize(), sysex.size() + 2);
-  EXPECT_EQ(std::memcmp(decoder.DecodedMessage(), sysex.data(), sysex.size()), 0);
-  EXPECT_EQ(decoder.DecodedMessage()[sysex.size()], 0);
-  EXPECT_EQ(decoder.DecodedMessage()[sysex.size() + 1], 0);
-
-  // Under another name the same text goes through the entity reader and arrives unchanged.
-  TiXmlDocument other;
-  other.Parse(("<MIDIMsg>" + std::string(encoder.EncodedMessage()) + "</MIDIMsg>").c_str());
-  EXPECT_STREQ(other.RootElement()->FirstChild()->Value(), text->Value());
 }
 
 }  // namespace

@@ -68,25 +68,15 @@ std::string Device(int first, int banks, int patches) {
   return xml + "</Instrument>";
 }
 
-template <class View, class Events>
-std::function<void(View&, Events&)> Fill(std::map<int, std::wstring> texts) {
-  return [texts](View& view, Events&) {
+// Script steps of any event dialog: type `texts` into its boxes by control id, press OK.
+auto Fill(std::map<int, std::wstring> texts) {
+  return [texts](auto& view, auto&) {
     for (const auto& [control, text] : texts) view.SetItemText(control, text);
   };
 }
-
-template <class View, class Events>
-std::function<void(View&, Events&)> PressOk() {
-  return [](View&, Events& events) { events.OnOk(); };
+auto PressOk() {
+  return [](auto&, auto& events) { events.OnOk(); };
 }
-
-using ProgramFill = decltype(Fill<ProgramDialogRecorder, IProgramDialogEvents>({}));
-ProgramFill ProgramBoxes(std::map<int, std::wstring> texts) {
-  return Fill<ProgramDialogRecorder, IProgramDialogEvents>(std::move(texts));
-}
-const auto ProgramOk = PressOk<ProgramDialogRecorder, IProgramDialogEvents>;
-const auto ControllerOk = PressOk<ControllerDialogRecorder, IModalEvents>;
-const auto WaitOk = PressOk<WaitDialogRecorder, IModalEvents>;
 
 TEST(ProgramDialog, ShowsTheEventAndAnOkOfTheLimitsComesBackUnchanged) {
   Page page;
@@ -110,12 +100,12 @@ TEST(ProgramDialog, ShowsTheEventAndAnOkOfTheLimitsComesBackUnchanged) {
 TEST(ProgramDialog, TheProgramIsTakenModulo128AndAllThreeMessagesTakeTheChannel) {
   Page page;
   CStoredEvent event = WithMessages({M(0xB3, 0, 1), M(0xB5, 0x20, 2), M(0xC0, 5)});
-  page.views.dialogs.NextProgram({ProgramBoxes({{pd::kProgramBox, L"128"}, {pd::kChannelBox, L"2"}}),
-                          ProgramOk()});
+  page.views.dialogs.NextProgram({Fill({{pd::kProgramBox, L"128"}, {pd::kChannelBox, L"2"}}),
+                          PressOk()});
   EditProgramEvent(event, page.host);
   EXPECT_EQ(event.MessagesView(),
             (ShortMessageList{M(0xB1, 0, 1), M(0xB1, 0x20, 2), M(0xC1, 0)}));
-  page.views.dialogs.NextProgram({ProgramBoxes({{pd::kProgramBox, L"300"}}), ProgramOk()});
+  page.views.dialogs.NextProgram({Fill({{pd::kProgramBox, L"300"}}), PressOk()});
   EditProgramEvent(event, page.host);
   EXPECT_EQ(event.MessagesView()[2], M(0xC1, 44));
 }
@@ -123,13 +113,13 @@ TEST(ProgramDialog, TheProgramIsTakenModulo128AndAllThreeMessagesTakeTheChannel)
 TEST(ProgramDialog, AChannelOutsideOneToSixteenIsRefusedAndTheDialogStays) {
   Page page;
   CStoredEvent event = CStoredEvent::MakeNew(NewEventKind::BankProgramChange);
-  page.views.dialogs.NextProgram({ProgramBoxes({{pd::kChannelBox, L"0"}}), ProgramOk(),
-                          ProgramBoxes({{pd::kChannelBox, L"17"}}), ProgramOk(),
+  page.views.dialogs.NextProgram({Fill({{pd::kChannelBox, L"0"}}), PressOk(),
+                          Fill({{pd::kChannelBox, L"17"}}), PressOk(),
                           [](ProgramDialogRecorder& view, IProgramDialogEvents&) {
                             EXPECT_FALSE(view.Ended());
                             EXPECT_EQ(view.focusedItem, pd::kChannelBox);
                           },
-                          ProgramBoxes({{pd::kChannelBox, L"3"}}), ProgramOk()});
+                          Fill({{pd::kChannelBox, L"3"}}), PressOk()});
   EditProgramEvent(event, page.host);
   const auto boxes = page.boxes.Boxes();
   ASSERT_EQ(boxes.size(), 2u);
@@ -141,7 +131,7 @@ TEST(ProgramDialog, CancelAndOtherShapesLeaveTheEvent) {
   Page page;
   CStoredEvent event = CStoredEvent::MakeNew(NewEventKind::BankProgramChange);
   const CStoredEvent before = event;
-  page.views.dialogs.NextProgram({ProgramBoxes({{pd::kProgramBox, L"9"}}),
+  page.views.dialogs.NextProgram({Fill({{pd::kProgramBox, L"9"}}),
                           [](ProgramDialogRecorder&, IProgramDialogEvents& e) { e.OnCancel(); }});
   EditProgramEvent(event, page.host);
   EXPECT_EQ(event, before);
@@ -203,7 +193,7 @@ TEST(PresetTree, PickingAPresetOfBank130GivesMsb1Lsb2AndKeepsTheChannel) {
                             EXPECT_EQ(view.ItemText(pd::kLsbBox), L"0x2");
                             EXPECT_EQ(view.ItemText(pd::kProgramBox), L"5");
                           },
-                          ProgramOk()});
+                          PressOk()});
   EditProgramEvent(event, page.host);
   EXPECT_EQ(event.GetInfoText(), L"Ch 5 Bnk=130 Prg=5");
   ASSERT_EQ(menus.Menus().size(), 1u);
@@ -228,7 +218,7 @@ TEST(PresetTree, PresetsPastCommand49998AreShownButCannotBePicked) {
                             events.OnPresetButton();
                             EXPECT_EQ(view.ItemText(pd::kPresetName), L"B22P81");
                           },
-                          ProgramOk()});
+                          PressOk()});
   EditProgramEvent(event, page.host);
   const CPopupMenu& shown = menus.Menus()[0].menu;
   EXPECT_EQ(shown.TextOf(50044), L"B22P127");
@@ -245,10 +235,9 @@ TEST(ControllerDialog, AnEditToChannel2Controller7Value100GivesB10764) {
          EXPECT_EQ(view.ItemText(cd::kValueBox), L"0");
          EXPECT_EQ(view.ItemText(kEventNameBox), L"Controller Change");
        },
-       Fill<ControllerDialogRecorder, IModalEvents>(
-           {{cd::kChannelBox, L"2"}, {cd::kControllerBox, L"7"}, {cd::kValueBox, L"100"},
-            {kEventNameBox, L"Volume"}}),
-       ControllerOk()});
+       Fill({{cd::kChannelBox, L"2"}, {cd::kControllerBox, L"7"}, {cd::kValueBox, L"100"},
+             {kEventNameBox, L"Volume"}}),
+       PressOk()});
   EditControllerEvent(event, page.host);
   EXPECT_EQ(event.MessagesView(), (ShortMessageList{M(0xB1, 7, 100)}));
   EXPECT_EQ(event.GetInfoText(), L"Ch 2 CC 7 = 100");
@@ -266,13 +255,11 @@ TEST(ControllerDialog, ValueThenControllerThenChannelAreCheckedAndRefused) {
       EXPECT_EQ(view.focusedItem, control);
     };
   };
-  using Fill3 = std::map<int, std::wstring>;
-  const auto fill = Fill<ControllerDialogRecorder, IModalEvents>;
   page.views.dialogs.NextController(
-      {fill(Fill3{{cd::kChannelBox, L"17"}, {cd::kControllerBox, L"128"}, {cd::kValueBox, L"128"}}),
-       ControllerOk(), focused(cd::kValueBox), fill(Fill3{{cd::kValueBox, L"5"}}), ControllerOk(),
-       focused(cd::kControllerBox), fill(Fill3{{cd::kControllerBox, L"5"}}), ControllerOk(),
-       focused(cd::kChannelBox), fill(Fill3{{cd::kChannelBox, L"0"}}), ControllerOk(),
+      {Fill({{cd::kChannelBox, L"17"}, {cd::kControllerBox, L"128"}, {cd::kValueBox, L"128"}}),
+       PressOk(), focused(cd::kValueBox), Fill({{cd::kValueBox, L"5"}}), PressOk(),
+       focused(cd::kControllerBox), Fill({{cd::kControllerBox, L"5"}}), PressOk(),
+       focused(cd::kChannelBox), Fill({{cd::kChannelBox, L"0"}}), PressOk(),
        focused(cd::kChannelBox)});
   EditControllerEvent(event, page.host);
   const auto boxes = page.boxes.Boxes();
@@ -304,11 +291,9 @@ TEST(WaitDialog, ZeroAndTooLongAreRefusedSoAPauseKeepsAtLeastOneMillisecond) {
   Page page;
   CStoredEvent event = CStoredEvent::MakeNew(NewEventKind::Wait);
   event.SetWait(20000);  // possible from a file
-  const auto fill = [](const wchar_t* text) {
-    return Fill<WaitDialogRecorder, IModalEvents>({{wait_dialog::kMillisecondsBox, text}});
-  };
-  page.views.dialogs.NextWait({WaitOk(), fill(L"0"), WaitOk(), fill(L""), WaitOk(), fill(L"10000"),
-                       WaitOk()});
+  const auto ms = [](const wchar_t* text) { return Fill({{wait_dialog::kMillisecondsBox, text}}); };
+  page.views.dialogs.NextWait(
+      {PressOk(), ms(L"0"), PressOk(), ms(L""), PressOk(), ms(L"10000"), PressOk()});
   EditWaitEvent(event, page.host);
   const auto boxes = page.boxes.Boxes();
   ASSERT_EQ(boxes.size(), 3u);
@@ -319,9 +304,8 @@ TEST(WaitDialog, ZeroAndTooLongAreRefusedSoAPauseKeepsAtLeastOneMillisecond) {
 TEST(WaitDialog, AnEventThatIsNoPauseTakesTheNameButKeepsItsContents) {
   Page page;
   CStoredEvent event = CStoredEvent::MakeNew(NewEventKind::ControllerChange);
-  page.views.dialogs.NextWait({Fill<WaitDialogRecorder, IModalEvents>(
-                           {{wait_dialog::kMillisecondsBox, L"250"}, {kEventNameBox, L"Hold"}}),
-                       WaitOk()});
+  page.views.dialogs.NextWait(
+      {Fill({{wait_dialog::kMillisecondsBox, L"250"}, {kEventNameBox, L"Hold"}}), PressOk()});
   EditWaitEvent(event, page.host);
   EXPECT_EQ(event.GetName(), L"Hold");
   EXPECT_EQ(event.MessagesView(), (ShortMessageList{M(0xB0, 0, 0)}));

@@ -54,6 +54,8 @@ TEST(PageOpening, WithNoPortTheSendingButtonsAreDarkNoneIsShownAndOutputIsOff) {
   PageViewRecorder& view = rig.view();
   EXPECT_EQ(view.Parent(), rig.Parent()) << "the page opens inside the host's window";
   EXPECT_EQ(view.Text(kPortText), L"none");
+  EXPECT_EQ(view.Text(kPrefixText), L"") << "an empty prefix shows an empty line";
+  EXPECT_EQ(view.Text(kChannelText), L"Bypass");
   EXPECT_TRUE(SendingDark(view));
   rig.host.Start();
   std::uint8_t active = 1;
@@ -94,12 +96,6 @@ TEST(PageOpening, ShowsTheWholeModelAndSetsUpItsControls) {
   EXPECT_FALSE(view.Shown(kSpareButton));
   EXPECT_EQ(view.Button(kSendAllButton)->Face(), 238u);
   EXPECT_EQ(rig.timers.RunningCount(), 1u) << "the meters' timer";
-}
-
-TEST(PageOpening, AnEmptyPrefixShowsAnEmptyLine) {
-  PageRig rig;
-  EXPECT_EQ(rig.view().Text(kPrefixText), L"");
-  EXPECT_EQ(rig.view().Text(kChannelText), L"Bypass");
 }
 
 TEST(PageOpening, WithoutADrawingThePageCannotActivate) {
@@ -150,38 +146,7 @@ TEST(PagePort, PickingNoneWarnsAndDarkensTheButtonsAndAPortBringsThemBack) {
   EXPECT_EQ(rig.boxes.Boxes().size(), 1u);
 }
 
-// --- the channel -------------------------------------------------------------------------------
-
-TEST(PageChannel, SixteenAndBypass) {
-  PageRig rig;
-  PageViewRecorder& view = rig.view();
-  const CPopupMenu& menu = *view.Menu(kChannelButton);
-  ASSERT_EQ(menu.Count(), 17u);
-  EXPECT_EQ(menu.TextOf(2000), L"Bypass");
-  EXPECT_EQ(menu.TextOf(2016), L"16");
-
-  rig.menus.AnswerNext(2016);
-  view.Click(kChannelButton);
-  std::uint32_t channel = 0;
-  rig.filter().GetOutputRechannel(&channel);
-  EXPECT_EQ(channel, 16u);
-  EXPECT_EQ(view.Text(kChannelText), L"16");
-
-  rig.menus.AnswerNext(2000);
-  view.Click(kChannelButton);
-  rig.filter().GetOutputRechannel(&channel);
-  EXPECT_EQ(channel, 0u);
-  EXPECT_EQ(view.Text(kChannelText), L"Bypass");
-}
-
 // --- the device ---------------------------------------------------------------------------------
-
-TEST(PageDevice, AnEmptyStoreGivesOnlyTheTwoCommands) {
-  PageRig rig;
-  EXPECT_EQ(Items(*rig.view().Menu(kDeviceButton)),
-            (std::vector<std::pair<std::uint32_t, std::wstring>>{
-                {46000, L"Import Patch Names..."}, {46001, L"Clear this List..."}}));
-}
 
 TEST(PageDevice, GenericDeviceLeadsAndTheOthersKeepTheIdOfTheirPlace) {
   PageRig rig(false);
@@ -260,18 +225,7 @@ TEST(PageDevice, AFailedImportChangesNothingAndSaysNothing) {
   EXPECT_TRUE(rig.boxes.Boxes().empty());
 }
 
-// --- sync and prefix ----------------------------------------------------------------------------
-
-TEST(PageSync, TheCheckBoxSetsTheInstancesFlag) {
-  PageRig rig;
-  rig.view().ClickCheck(kSyncCheck);
-  std::int32_t sync = 0;
-  rig.filter().GetMIDISync(&sync);
-  EXPECT_EQ(sync, 1);
-  rig.view().ClickCheck(kSyncCheck);
-  rig.filter().GetMIDISync(&sync);
-  EXPECT_EQ(sync, 0);
-}
+// --- the prefix ----------------------------------------------------------------------------------
 
 TEST(PagePrefix, TheEditorsBytesBecomeThePrefixOnOkAndCancelChangesNothing) {
   PageRig rig;
@@ -355,13 +309,6 @@ TEST_F(PageSending, SendGoesOutForEverySelectedRowCheckedOrNot) {
   EXPECT_EQ(Sent(2), (std::vector<std::uint32_t>{kOn.message, kOff.message}));
 }
 
-TEST_F(PageSending, SendAllGoesOutOnlyForCheckedRows) {
-  rig.view().Click(kSendAllButton);
-  rig.view().Select({0});
-  rig.view().Click(kSendButton);  // the marker
-  EXPECT_EQ(Sent(2), (std::vector<std::uint32_t>{kOn.message, kOn.message}));
-}
-
 TEST_F(PageSending, NothingGoesOutWhenThePortHasNoHandle) {
   rig.host.ports.SetOutputs({L"Out A"});  // the chosen port went away
   rig.view().Select({0});
@@ -389,30 +336,23 @@ TEST(PageMeters, WeakMessagesPullATallReadingDownByTenEach) {
   EXPECT_FLOAT_EQ(rig.dialog().OutputMeter().Left(), 127.0f) << "clamped to the range";
 }
 
-TEST(PageMeters, AMeterFallsOneEachTenMillisecondsAndNeverBelowZero) {
+TEST(PageMeters, EachTickLowersEachMeterByOneToZeroAndDrawsBothAtTheirLitLength) {
   PageRig rig;
+  PostNotify(rig.dialog().WindowHandle(), InputActivityMessage(), 11, 0);
   PostNotify(rig.dialog().WindowHandle(), OutputActivityMessage(), 5, 0);
   PageRig::Deliver();
-  EXPECT_FLOAT_EQ(rig.dialog().OutputMeter().Left(), 5.0f);
-  rig.timers.Advance(30);
+  rig.timers.Advance(10);
+  EXPECT_EQ(rig.view().MeterLit(PageMeter::Input), 14) << "10 lights two segments";
+  EXPECT_EQ(rig.view().MeterDraws(), 2);
+  rig.view().Paint();
+  EXPECT_EQ(rig.view().MeterDraws(), 4);
+  rig.timers.Advance(20);
   EXPECT_FLOAT_EQ(rig.dialog().OutputMeter().Left(), 2.0f);
   rig.timers.Advance(20);
   EXPECT_FLOAT_EQ(rig.dialog().OutputMeter().Left(), 0.0f);
   rig.timers.Advance(50);
   EXPECT_FLOAT_EQ(rig.dialog().OutputMeter().Left(), 0.0f);
   EXPECT_EQ(rig.view().MeterLit(PageMeter::Output), 0);
-}
-
-TEST(PageMeters, EachTickDrawsBothMetersAtTheirLitLength) {
-  PageRig rig;
-  PostNotify(rig.dialog().WindowHandle(), InputActivityMessage(), 11, 0);
-  PageRig::Deliver();
-  rig.timers.Advance(10);
-  EXPECT_EQ(rig.view().MeterLit(PageMeter::Input), 14) << "10 lights two segments";
-  EXPECT_EQ(rig.view().MeterLit(PageMeter::Output), 0);
-  EXPECT_EQ(rig.view().MeterDraws(), 2);
-  rig.view().Paint();
-  EXPECT_EQ(rig.view().MeterDraws(), 4);
 }
 
 TEST(PageMeters, LiveInputReachesTheInputMeter) {

@@ -20,7 +20,7 @@ CUIMeter& PageMeter(CUIMeter& meter, ControlHostRecorder& host) {
   return meter;
 }
 
-TEST(Meter, LightsWholeSegmentsLinearlyAndCapsAtTheStrip) {
+TEST(Meter, LightsWholeSegmentsLinearlyCapsAtTheStripAndDecaysClampsAndRaises) {
   ControlHostRecorder host;
   CUIMeter meter;
   PageMeter(meter, host);
@@ -31,12 +31,7 @@ TEST(Meter, LightsWholeSegmentsLinearlyAndCapsAtTheStrip) {
   EXPECT_EQ(meter.LitLength(10), 14) << "the weakest activity";
   EXPECT_EQ(meter.LitLength(127), 118) << "119 capped at the strip";
   EXPECT_EQ(meter.LitLength(-5), 0);
-}
 
-TEST(Meter, SetValuesDecaysClampsAndRaises) {
-  ControlHostRecorder host;
-  CUIMeter meter;
-  PageMeter(meter, host);
   meter.SetValues(200, 50, 0);
   EXPECT_FLOAT_EQ(meter.Left(), 127);
   EXPECT_FLOAT_EQ(meter.Right(), 50);
@@ -207,7 +202,7 @@ TEST(StateButton, ItsPopupOpensAtTheLowerLeftCornerAndSendsItsCommand) {
   EXPECT_EQ(host.capture, nullptr) << "the popup ends the press";
 }
 
-TEST(ValueBox, TypedTextIsParsedAsANumberAndClamped) {
+TEST(ValueBox, TypedTextIsParsedAsANumberAndClampedAndAClickOutsideCloses) {
   ControlHostRecorder host;
   CUIValueBox box;
   box.Create({0, 0, 39, 15}, true, nullptr, &host);
@@ -231,18 +226,11 @@ TEST(ValueBox, TypedTextIsParsedAsANumberAndClamped) {
   EXPECT_EQ(box.DisplayText(), L"off");
   box.SetValue(11);
   EXPECT_EQ(box.DisplayText(), L"max");
-}
-
-TEST(ValueBox, AClickOutsideClosesTheTextBox) {
-  ControlHostRecorder host;
-  CUIValueBox box;
-  box.Create({0, 0, 39, 15}, true, nullptr, &host);
-  box.HandleMessage(kMouseMoveMessage, 0, 0x00050005);
   box.HandleMessage(kLButtonDownMessage, 0, 0);
   ASSERT_TRUE(host.textBox);
   box.HandleMessage(kMouseMoveMessage, 0, 0x00500050);
   box.HandleMessage(kLButtonDownMessage, 0, 0);
-  EXPECT_FALSE(host.textBox);
+  EXPECT_FALSE(host.textBox) << "a click outside closes the text box";
 }
 
 TEST(StateButton, TheParentsMenuAndThePluginPageAreAskedFor) {
@@ -298,28 +286,7 @@ class ButtonParent : public IDspButtonParent {
   std::vector<CDspButton*> group;
 };
 
-TEST(DspButton, ADisabledButtonNeitherOpensItsMenuNorSendsItsCommand) {
-  ButtonParent parent;
-  PopupMenuRecorder menus;
-  CDspButton button(1022, parent);
-  auto menu = std::make_shared<CPopupMenu>();
-  menu->Append(45000, L"none");
-  button.SetMenu(menu);
-  button.Enable(false);
-  button.OnLButtonDown(0, 0);
-  button.OnLButtonUp(true);
-  EXPECT_TRUE(menus.Menus().empty());
-  EXPECT_TRUE(parent.commands.empty());
-
-  CDspButton push(1007, parent);
-  push.Enable(false);
-  push.OnLButtonDown(0, 0);
-  push.OnLButtonUp(true);
-  push.OnSpace();
-  EXPECT_TRUE(parent.commands.empty());
-}
-
-TEST(DspButton, AMenuOpensAtTheCornerAndItsChoiceGoesToTheParent) {
+TEST(DspButton, AMenuOpensAtThePressAndItsChoiceGoesToTheParentUnlessDisabled) {
   ButtonParent parent;
   PopupMenuRecorder menus;
   CDspButton button(1023, parent);
@@ -335,6 +302,17 @@ TEST(DspButton, AMenuOpensAtTheCornerAndItsChoiceGoesToTheParent) {
   EXPECT_FALSE(button.IsMenuOpen());
   button.OnLButtonDown(300, 400);  // dismissed: nothing goes out
   EXPECT_EQ(parent.commands.size(), 1u);
+
+  button.Enable(false);
+  button.OnLButtonDown(0, 0);
+  button.OnLButtonUp(true);
+  EXPECT_EQ(menus.Menus().size(), 2u) << "a disabled button opens no menu";
+  CDspButton push(1007, parent);
+  push.Enable(false);
+  push.OnLButtonDown(0, 0);
+  push.OnLButtonUp(true);
+  push.OnSpace();
+  EXPECT_EQ(parent.commands.size(), 1u) << "nor sends its command";
 }
 
 TEST(DspButton, TheCommandGoesAtReleaseOverTheButtonOrAtPressWhenAsked) {

@@ -47,20 +47,7 @@ class Connected : public ::testing::Test {
   Chain chain;
 };
 
-TEST(Connection, AFloatSourceConnectsAndBothEndsAgreeOnTheType) {
-  Chain c;
-  c.Connect();
-  ComPtr<IPin> peer;
-  ASSERT_EQ(c.source.Output()->ConnectedTo(peer.Receive()), S_OK);
-  EXPECT_EQ(peer.Get(), static_cast<IPin*>(&c.filter->Input()));
-  CMediaType upstream, downstream;
-  EXPECT_EQ(c.filter->Input().ConnectionMediaType(&upstream), S_OK);
-  EXPECT_EQ(c.sink.Input()->ConnectionMediaType(&downstream), S_OK);
-  EXPECT_EQ(upstream, c.source.Type());
-  EXPECT_EQ(downstream, c.source.Type());
-}
-
-TEST(Connection, ARefusedTypeLeavesBothEndsUnconnected) {
+TEST(Connection, ARefusedTypeLeavesBothEndsUnconnectedAndAFloatSourceConnectsWithItsType) {
   Chain c;
   FakeSource pcm(kPcm16);
   EXPECT_EQ(pcm.ConnectTo(&c.filter->Input()), VFW_E_TYPE_NOT_ACCEPTED);
@@ -73,6 +60,15 @@ TEST(Connection, ARefusedTypeLeavesBothEndsUnconnected) {
   EXPECT_FALSE(none.IsValid());
   EXPECT_EQ(c.filter->Input().QueryAccept(&pcm.Type()), S_FALSE);
   EXPECT_EQ(c.filter->Input().QueryAccept(&c.source.Type()), S_OK);
+
+  c.Connect();
+  ASSERT_EQ(c.source.Output()->ConnectedTo(peer.Receive()), S_OK);
+  EXPECT_EQ(peer.Get(), static_cast<IPin*>(&c.filter->Input()));
+  CMediaType upstream, downstream;
+  EXPECT_EQ(c.filter->Input().ConnectionMediaType(&upstream), S_OK);
+  EXPECT_EQ(c.sink.Input()->ConnectionMediaType(&downstream), S_OK);
+  EXPECT_EQ(upstream, c.source.Type());
+  EXPECT_EQ(downstream, c.source.Type());
 }
 
 TEST(Connection, RefusesASecondPeerTheWrongDirectionAndAnyChangeWhileActive) {
@@ -150,8 +146,11 @@ TEST(AllocatorDecision, TheOutputUsesTheDownstreamAllocatorWithItsRequirements) 
 
 TEST(State, PauseFromStoppedActivatesConnectedPinsAndStopDeactivatesThem) {
   Chain c;
-  c.Connect();
   PassOutput& out = c.filter->Output();
+  EXPECT_EQ(c.filter->Pause(), S_OK);
+  EXPECT_EQ(out.activations, 0) << "an unconnected pin is neither activated nor an error";
+  EXPECT_EQ(c.filter->Stop(), S_OK);
+  c.Connect();
   FILTER_STATE state{};
   ComPtr<IMediaSample> sample;
 
@@ -175,43 +174,6 @@ TEST(State, PauseFromStoppedActivatesConnectedPinsAndStopDeactivatesThem) {
   ASSERT_EQ(c.filter->Run(0), S_OK);
   EXPECT_EQ(out.activations, 2) << "run from stopped pauses first";
   EXPECT_EQ(c.filter->GetState(0, nullptr), E_POINTER);
-}
-
-TEST(State, AnUnconnectedPinIsNeitherActivatedNorAnError) {
-  ComPtr<IBaseFilter> held{new PassThroughFilter};
-  auto* filter = static_cast<PassThroughFilter*>(held.Get());
-  EXPECT_EQ(filter->Pause(), S_OK);
-  EXPECT_EQ(filter->Output().activations, 0);
-  EXPECT_EQ(filter->Stop(), S_OK);
-}
-
-TEST_F(Connected, SamplesArriveWithTheirBytesTimesMarksAndLength) {
-  const float first[] = {1.f, 2.f, 3.f, 4.f};
-  const float second[] = {5.f, 6.f};
-  EXPECT_EQ(chain.source.PushFloats(
-                first, {.start = 100, .stop = 200, .syncPoint = true, .discontinuity = true}),
-            S_OK);
-  EXPECT_EQ(chain.source.PushFloats(second, {.start = 300}), S_OK);
-  EXPECT_EQ(chain.source.PushFloats({}, {.preroll = true}), S_OK);
-
-  const auto seen = chain.sink.Samples();
-  ASSERT_EQ(seen.size(), 3u);
-  EXPECT_EQ(seen[0].actualLength, 16);
-  EXPECT_EQ(0, std::memcmp(seen[0].bytes.data(), first, sizeof first));
-  EXPECT_EQ(seen[0].timeResult, S_OK);
-  EXPECT_EQ(seen[0].start, 100);
-  EXPECT_EQ(seen[0].stop, 200);
-  EXPECT_TRUE(seen[0].syncPoint && seen[0].discontinuity && !seen[0].preroll);
-
-  EXPECT_EQ(seen[1].actualLength, 8);
-  EXPECT_EQ(seen[1].timeResult, VFW_S_NO_STOP_TIME);
-  EXPECT_EQ(seen[1].start, 300);
-  EXPECT_FALSE(seen[1].syncPoint || seen[1].discontinuity);
-
-  EXPECT_EQ(seen[2].actualLength, 0);
-  EXPECT_EQ(seen[2].timeResult, VFW_E_SAMPLE_TIME_NOT_SET);
-  EXPECT_TRUE(seen[2].preroll);
-  EXPECT_FALSE(seen[2].silent.has_value()) << "the sink's own allocator offers no silence";
 }
 
 TEST_F(Connected, EndOfStreamSegmentsAndFlushesPassDownstream) {
@@ -263,29 +225,6 @@ TEST(Delivery, AnUnconnectedOutputPinDeliversNothing) {
             VFW_E_NOT_CONNECTED);
 }
 
-TEST(Silence, TheFlagTravelsOnlyOnSamplesThatOfferIt) {
-  const float one[] = {1.f};
-  for (const bool offered : {true, false}) {
-    FakeSource source(kFloatStereo, {.samplesOfferSilence = offered});
-    FakeSink sink;
-    ASSERT_EQ(source.ConnectTo(sink.Input()), S_OK);
-    sink.Pause();
-    source.Pause();
-    source.PushFloats(one, {.silent = true});
-    source.PushFloats(one);
-    const auto seen = sink.Samples();
-    ASSERT_EQ(seen.size(), 2u);
-    if (offered) {
-      EXPECT_EQ(seen[0].silent, std::optional(true));
-      EXPECT_EQ(seen[1].silent, std::optional(false));
-    } else {
-      EXPECT_FALSE(seen[0].silent.has_value());
-    }
-    source.Stop();
-    sink.Stop();
-  }
-}
-
 TEST(Graph, EventsReachTheGraphsSinkOnlyWhileTheFilterIsInIt) {
   FakeGraph graph;
   ComPtr<IBaseFilter> held{new PassThroughFilter};
@@ -310,21 +249,15 @@ TEST(Graph, EventsReachTheGraphsSinkOnlyWhileTheFilterIsInIt) {
   EXPECT_EQ(graph.Events().size(), 1u);
   held->QueryFilterInfo(&info);
   EXPECT_EQ(info.pGraph, nullptr);
-}
 
-TEST(Graph, AGraphWithoutAnEventSinkHearsNothingAndNothingFails) {
-  FakeGraph bare(false);
-  ComPtr<IBaseFilter> held{new PassThroughFilter};
+  FakeGraph bare(false);  // a graph without an event sink hears nothing, and nothing fails
   ASSERT_EQ(bare.AddFilter(held.Get(), L"Pass"), S_OK);
-  EXPECT_EQ(static_cast<PassThroughFilter*>(held.Get())->NotifyEvent(EC_GRAPH_CHANGED, 0, 0), S_OK);
+  EXPECT_EQ(filter->NotifyEvent(EC_GRAPH_CHANGED, 0, 0), S_OK);
   EXPECT_TRUE(bare.Events().empty());
 }
 
 TEST(Identity, TheFilterAndItsPinsAnswerWhatTheyAre) {
   ComPtr<IBaseFilter> held{new PassThroughFilter};
-  CLSID clsid{};
-  EXPECT_EQ(held->GetClassID(&clsid), S_OK);
-  EXPECT_EQ(clsid, kPassThroughClsid);
   for (const IID& iid : {IID_IBaseFilter, IID_IMediaFilter, IID_IPersist}) {
     ComPtr<IUnknown> face;
     ASSERT_EQ(face.QueryFrom(held.Get(), iid), S_OK);

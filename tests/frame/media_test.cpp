@@ -13,7 +13,7 @@ namespace {
 
 const WaveFormat kFloatStereo = MakeWaveFormat(WAVE_FORMAT_IEEE_FLOAT_TAG, 2, 48000, 32);
 
-TEST(MediaType, AudioTypeCarriesTheWaveFormatRecord) {
+TEST(MediaType, AudioTypeCarriesTheWaveFormatRecordAndAShorterBlockIsNone) {
   const CMediaType type = AudioMediaType(kFloatStereo);
   EXPECT_EQ(type.majortype, MEDIATYPE_Audio);
   EXPECT_EQ(type.subtype, MEDIASUBTYPE_IEEE_FLOAT);
@@ -24,15 +24,13 @@ TEST(MediaType, AudioTypeCarriesTheWaveFormatRecord) {
   EXPECT_EQ(type.WaveFormatPtr()->nAvgBytesPerSec, 384000u);
   EXPECT_EQ(AudioMediaType(MakeWaveFormat(WAVE_FORMAT_PCM_TAG, 1, 44100, 16)).subtype,
             MEDIASUBTYPE_PCM);
-}
 
-TEST(MediaType, AFormatBlockShorterThanTheRecordIsNoWaveFormat) {
-  CMediaType type = AudioMediaType(kFloatStereo);
-  type.SetFormat(&kFloatStereo, 17);
-  EXPECT_EQ(type.WaveFormatPtr(), nullptr);
-  type.SetFormat(nullptr, 18);
-  EXPECT_EQ(type.FormatLength(), 0u);
-  EXPECT_EQ(type.Format(), nullptr);
+  CMediaType shortBlock = type;
+  shortBlock.SetFormat(&kFloatStereo, 17);
+  EXPECT_EQ(shortBlock.WaveFormatPtr(), nullptr) << "a block shorter than the record is none";
+  shortBlock.SetFormat(nullptr, 18);
+  EXPECT_EQ(shortBlock.FormatLength(), 0u);
+  EXPECT_EQ(shortBlock.Format(), nullptr);
 }
 
 TEST(MediaType, CopiesAreEqualUntilOneFormatByteDiffers) {

@@ -81,6 +81,12 @@ bool MeterLit(CEditWindow& window) {
   return strip.pixelColor(2, 5).green() > 150;
 }
 
+void SaveScreen(QWidget& widget, const QString& name) {
+  const QDir shots(QStringLiteral(TARN_SCREENSHOTS "/%1").arg(QGuiApplication::platformName()));
+  shots.mkpath(QStringLiteral("."));
+  widget.grab().save(shots.filePath(name + QStringLiteral(".png")));
+}
+
 std::uint32_t EventCount(LiveInstance& instance) {
   std::uint32_t count = 0;
   instance.myFilter->GetEventCount(&count);
@@ -100,6 +106,11 @@ class EditWindowTest final : public QObject {
   void aRackWithoutChangesIsLeftAsItWas();
 
  private:
+  // The rack's session, its progress messages dropped; `error` says why when there is none.
+  std::unique_ptr<CEditSession> OpenRack(std::string& error) {
+    return CEditSession::Open(m_rack, [](const std::string&) {}, error);
+  }
+
   std::unique_ptr<TempFolder> m_folder;
   std::filesystem::path m_rack;
 };
@@ -120,8 +131,7 @@ void EditWindowTest::cleanup() { m_folder.reset(); }
 
 void EditWindowTest::listsTheInstancesAndShowsTheChosenOnesPage() {
   std::string error;
-  auto session = CEditSession::Open(
-      m_rack, [](const std::string&) {}, error);
+  auto session = OpenRack(error);
   QVERIFY2(session, error.c_str());
   CEditWindow window(*session);
   window.show();
@@ -136,15 +146,12 @@ void EditWindowTest::listsTheInstancesAndShowsTheChosenOnesPage() {
   window.InstanceList().setCurrentRow(1);
   QVERIFY(window.Page());
   QCOMPARE(window.PageHost().findChildren<QWidget*>(QStringLiteral("tarn-page")).size(), 1);
-  const QDir shots(QStringLiteral(TARN_SCREENSHOTS "/%1").arg(QGuiApplication::platformName()));
-  shots.mkpath(QStringLiteral("."));
-  window.grab().save(shots.filePath(QStringLiteral("host-edit-window.png")));
+  SaveScreen(window, QStringLiteral("host-edit-window"));
 }
 
 void EditWindowTest::sendAllReachesThePortAndClosingSavesTheChange() {
   std::string error;
-  auto session = CEditSession::Open(
-      m_rack, [](const std::string&) {}, error);
+  auto session = OpenRack(error);
   QVERIFY2(session, error.c_str());
   {
     CEditWindow window(*session);
@@ -170,9 +177,7 @@ void EditWindowTest::sendAllReachesThePortAndClosingSavesTheChange() {
         }),
         qPrintable(window.Monitor().toPlainText()));
     QVERIFY2(WaitFor([&] { return MeterLit(window); }), "the output meter lights");
-    const QDir shots(QStringLiteral(TARN_SCREENSHOTS "/%1").arg(QGuiApplication::platformName()));
-    shots.mkpath(QStringLiteral("."));
-    window.grab().save(shots.filePath(QStringLiteral("host-edit-window-sending.png")));
+    SaveScreen(window, QStringLiteral("host-edit-window-sending"));
     QVERIFY(session->Changed());
     for (QAction* action : window.findChildren<QAction*>())
       if (action->text() == QLatin1String("&Save")) action->trigger();
@@ -184,8 +189,7 @@ void EditWindowTest::sendAllReachesThePortAndClosingSavesTheChange() {
   }
   QVERIFY2(!session->Changed(), "closing saved the rack once more");
   session.reset();
-  auto again = CEditSession::Open(
-      m_rack, [](const std::string&) {}, error);
+  auto again = OpenRack(error);
   QVERIFY2(again, error.c_str());
   QCOMPARE(EventCount(again->Instances()[0]), 1u);
   std::int32_t index = -1;
@@ -199,8 +203,7 @@ void EditWindowTest::sendAllReachesThePortAndClosingSavesTheChange() {
 void EditWindowTest::aRackWithoutChangesIsLeftAsItWas() {
   const auto written = std::filesystem::last_write_time(m_rack);
   std::string error;
-  auto session = CEditSession::Open(
-      m_rack, [](const std::string&) {}, error);
+  auto session = OpenRack(error);
   QVERIFY2(session, error.c_str());
   {
     CEditWindow window(*session);

@@ -10,16 +10,11 @@
 
 namespace {
 
-TEST(AutoResetEvent, ReleasesOneWaitThenClearsItself) {
+TEST(AutoResetEvent, ReleasesOneWaitThenClearsItselfAndTimesOut) {
   CAutoResetEvent e;
   e.Set();
   e.Set();  // setting twice is still one signal
   EXPECT_TRUE(e.Wait(0));
-  EXPECT_FALSE(e.Wait(0));
-}
-
-TEST(AutoResetEvent, TimesOutWhenNeverSet) {
-  CAutoResetEvent e;
   const auto t0 = std::chrono::steady_clock::now();
   EXPECT_FALSE(e.Wait(20));
   EXPECT_GE(std::chrono::steady_clock::now() - t0, std::chrono::milliseconds(20));

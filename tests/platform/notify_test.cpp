@@ -7,7 +7,6 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/message_box.h"
 #include "platform/notify.h"
 #include "tests/support/recorders.h"
 
@@ -81,21 +80,6 @@ TEST(Notify, APostNeverWaitsForAHandlerThatIsBusy) {
   hold = false;
   done = true;
   owner.join();
-}
-
-TEST(MessageBox, RecorderSeesTheExactTextAndRestoresThePrevious) {
-  {
-    MessageBoxRecorder outer;
-    {
-      MessageBoxRecorder inner;
-      EXPECT_EQ(ShowMessageBox(L"hello", L"Tarn", MB_ICONWARNING_FLAG), ID_OK_ANSWER);
-      ASSERT_EQ(inner.Boxes().size(), 1u);
-      EXPECT_EQ(inner.Boxes()[0].text, L"hello");
-    }
-    ShowMessageBox(L"second", L"Tarn", MB_OK_FLAG);
-    ASSERT_EQ(outer.Boxes().size(), 1u);
-    EXPECT_EQ(outer.Boxes()[0].text, L"second");
-  }
 }
 
 }  // namespace

@@ -2,9 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdint>
 #include <memory>
-#include <vector>
 
 #include "tests/support/editor_recorders.h"
 
@@ -37,25 +35,4 @@ TEST(PopupMenu, HeadlessDismissesAndTheRecorderAnswersInOrder) {
     EXPECT_EQ(recorder.Menus()[0].x, 3);
   }
   EXPECT_EQ(TrackPopupMenu(menu, 0, 0), 0u);
-}
-
-namespace {
-
-struct TickLog final : ITimerClient {
-  std::vector<std::uint32_t> ticks;
-  void OnTimer(std::uint32_t id) override { ticks.push_back(id); }
-};
-
-}  // namespace
-
-TEST(ManualTimers, TicksEachTimerWhenItsPeriodComesRoundInTimeOrder) {
-  ManualTimers timers;
-  TickLog log;
-  StartTimer(log, 2, 30);
-  StartTimer(log, 1, 20);
-  timers.Advance(60);  // 1 at 20, 2 at 30, 1 at 40, 1 and 2 at 60 (by id)
-  EXPECT_EQ(log.ticks, (std::vector<std::uint32_t>{1, 2, 1, 1, 2}));
-  StopTimer(log, 1);
-  EXPECT_FALSE(timers.Period(log, 1).has_value());
-  EXPECT_EQ(timers.Period(log, 2), 30u);
 }

@@ -110,9 +110,8 @@ bool HtmlViewRecorder::NavigateToFile(const std::wstring& path) {
   return true;
 }
 
-void HtmlViewRecorder::LoadHtml(const std::string& html, const std::wstring& folder) {
+void HtmlViewRecorder::LoadHtml(const std::string& html, const std::wstring&) {
   document = html;
-  baseFolder = folder;
   navigatedFile.clear();
 }
 
@@ -195,39 +194,4 @@ IHtmlView* AboutDialogRecorder::CreateHtmlView() {
 
 int AboutDialogRecorder::RunModal(IModalEvents& events) {
   return Play(*this, events, m_script.actions, &IModalEvents::OnCancel);
-}
-
-// --- the source ------------------------------------------------------------------------------
-
-template <class Script>
-Script DialogViewSource::Take(std::deque<Script>& queue) {
-  ++m_made;
-  if (queue.empty()) return {};
-  Script script = std::move(queue.front());
-  queue.pop_front();
-  return script;
-}
-
-std::unique_ptr<IHexEditDialogView> DialogViewSource::CreateHexEditDialog() {
-  return std::make_unique<HexEditDialogRecorder>(Take(m_hexEdit));
-}
-
-std::unique_ptr<IPrefixEditorView> DialogViewSource::CreatePrefixEditor() {
-  return std::make_unique<PrefixEditorRecorder>(Take(m_prefix));
-}
-
-std::unique_ptr<IProgramDialogView> DialogViewSource::CreateProgramDialog() {
-  return std::make_unique<ProgramDialogRecorder>(Take(m_program));
-}
-
-std::unique_ptr<IControllerDialogView> DialogViewSource::CreateControllerDialog() {
-  return std::make_unique<ControllerDialogRecorder>(Take(m_controller));
-}
-
-std::unique_ptr<IWaitDialogView> DialogViewSource::CreateWaitDialog() {
-  return std::make_unique<WaitDialogRecorder>(Take(m_wait));
-}
-
-std::unique_ptr<IAboutDialogView> DialogViewSource::CreateAboutDialog() {
-  return std::make_unique<AboutDialogRecorder>(Take(m_about));
 }

@@ -34,7 +34,7 @@ class TextBoxRecorder final : public ITextBoxView {
   bool CanUndo() const override { return m_undo.has_value(); }
   bool IsReadOnly() const override { return readOnly; }
   void TakeFocus() override { focused = true; }
-  void Redraw() override { ++redraws; }
+  void Redraw() override {}
   void Undo() override;
   void Cut() override;
   void Copy() override;
@@ -51,7 +51,6 @@ class TextBoxRecorder final : public ITextBoxView {
 
   bool readOnly = false;
   bool focused = false;
-  int redraws = 0;
 
  private:
   void ReplaceSelection(const std::wstring& text);
@@ -77,7 +76,6 @@ class HtmlViewRecorder final : public IHtmlView {
   void FollowAppLink(const std::wstring& command);
 
   std::wstring navigatedFile;  // empty when the page came from LoadHtml
-  std::wstring baseFolder;
   std::string document;  // the page as it stands, UTF-8
 
  private:
@@ -253,19 +251,37 @@ class DialogViewSource {
   }
   void NextAbout(AboutDialogRecorder::Script script) { m_about.push_back(std::move(script)); }
 
-  std::unique_ptr<IHexEditDialogView> CreateHexEditDialog();
-  std::unique_ptr<IPrefixEditorView> CreatePrefixEditor();
-  std::unique_ptr<IProgramDialogView> CreateProgramDialog();
-  std::unique_ptr<IControllerDialogView> CreateControllerDialog();
-  std::unique_ptr<IWaitDialogView> CreateWaitDialog();
-  std::unique_ptr<IAboutDialogView> CreateAboutDialog();
+  std::unique_ptr<IHexEditDialogView> CreateHexEditDialog() {
+    return std::make_unique<HexEditDialogRecorder>(Take(m_hexEdit));
+  }
+  std::unique_ptr<IPrefixEditorView> CreatePrefixEditor() {
+    return std::make_unique<PrefixEditorRecorder>(Take(m_prefix));
+  }
+  std::unique_ptr<IProgramDialogView> CreateProgramDialog() {
+    return std::make_unique<ProgramDialogRecorder>(Take(m_program));
+  }
+  std::unique_ptr<IControllerDialogView> CreateControllerDialog() {
+    return std::make_unique<ControllerDialogRecorder>(Take(m_controller));
+  }
+  std::unique_ptr<IWaitDialogView> CreateWaitDialog() {
+    return std::make_unique<WaitDialogRecorder>(Take(m_wait));
+  }
+  std::unique_ptr<IAboutDialogView> CreateAboutDialog() {
+    return std::make_unique<AboutDialogRecorder>(Take(m_about));
+  }
 
   // How many views of all kinds were made.
   int Made() const { return m_made; }
 
  private:
   template <class Script>
-  Script Take(std::deque<Script>& queue);
+  Script Take(std::deque<Script>& queue) {
+    ++m_made;
+    if (queue.empty()) return {};
+    Script script = std::move(queue.front());
+    queue.pop_front();
+    return script;
+  }
 
   std::deque<HexEditDialogRecorder::Script> m_hexEdit;
   std::deque<PrefixEditorRecorder::Script> m_prefix;

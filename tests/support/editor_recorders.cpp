@@ -35,19 +35,6 @@ void ManualTimers::Start(ITimerClient& client, std::uint32_t id, std::uint32_t p
 
 void ManualTimers::Stop(ITimerClient& client, std::uint32_t id) { m_timers.erase({&client, id}); }
 
-std::optional<std::uint32_t> ManualTimers::Period(const ITimerClient& client,
-                                                  std::uint32_t id) const {
-  const auto found = m_timers.find({const_cast<ITimerClient*>(&client), id});
-  if (found == m_timers.end()) return std::nullopt;
-  return found->second.periodMs;
-}
-
-bool ManualTimers::Tick(ITimerClient& client, std::uint32_t id) {
-  if (!m_timers.count({&client, id})) return false;
-  client.OnTimer(id);
-  return true;
-}
-
 void ManualTimers::Advance(std::uint32_t ms) {
   const std::uint64_t end = m_now + ms;
   for (;;) {

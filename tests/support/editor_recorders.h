@@ -77,11 +77,7 @@ class ManualTimers final : public CTimerPresenter {
   void Start(ITimerClient& client, std::uint32_t id, std::uint32_t periodMs) override;
   void Stop(ITimerClient& client, std::uint32_t id) override;
 
-  // The period of `client`'s timer `id`, or nothing when it does not run.
-  std::optional<std::uint32_t> Period(const ITimerClient& client, std::uint32_t id) const;
   std::size_t RunningCount() const noexcept { return m_timers.size(); }
-  // Ticks `client`'s timer `id` once, if it runs; false when it does not.
-  bool Tick(ITimerClient& client, std::uint32_t id);
   // Lets `ms` milliseconds pass: every running timer ticks each time its period comes round,
   // in time order (by id between timers due at the same moment). A timer started or stopped by
   // a tick takes effect from that moment on.

@@ -5,7 +5,7 @@
 FakeGraph::FakeGraph(bool offersEventSink) : m_offersEventSink(offersEventSink) {}
 
 FakeGraph::~FakeGraph() {
-  while (!m_filters.empty()) RemoveFilter(m_filters.back().filter.Get());
+  while (!m_filters.empty()) RemoveFilter(m_filters.back().Get());
 }
 
 HRESULT FakeGraph::QueryInterface(REFIID iid, void** object) {
@@ -30,7 +30,7 @@ HRESULT FakeGraph::AddFilter(IBaseFilter* filter, const wchar_t* name) {
   const HRESULT hr = filter->JoinFilterGraph(this, name);
   if (FAILED(hr)) return hr;
   std::lock_guard lock(m_mutex);
-  m_filters.push_back({ComPtr<IBaseFilter>(filter), name ? name : L""});
+  m_filters.emplace_back(filter);
   return S_OK;
 }
 
@@ -39,9 +39,9 @@ HRESULT FakeGraph::RemoveFilter(IBaseFilter* filter) {
   {
     std::lock_guard lock(m_mutex);
     const auto it = std::find_if(m_filters.begin(), m_filters.end(),
-                                 [&](const Member& m) { return m.filter.Get() == filter; });
+                                 [&](const ComPtr<IBaseFilter>& m) { return m.Get() == filter; });
     if (it == m_filters.end()) return VFW_E_NOT_FOUND;
-    leaving = std::move(it->filter);
+    leaving = std::move(*it);
     m_filters.erase(it);
   }
   leaving->JoinFilterGraph(nullptr, nullptr);
@@ -53,21 +53,9 @@ HRESULT FakeGraph::EnumFilters(IEnumFilters** filters) {
   return E_NOTIMPL;
 }
 
-HRESULT FakeGraph::FindFilterByName(const wchar_t* name, IBaseFilter** filter) {
-  if (!name || !filter) return E_POINTER;
-  std::lock_guard lock(m_mutex);
-  for (const Member& m : m_filters)
-    if (m.name == name) {
-      *filter = ComPtr<IBaseFilter>(m.filter).Detach();
-      return S_OK;
-    }
-  *filter = nullptr;
-  return VFW_E_NOT_FOUND;
-}
-
-HRESULT FakeGraph::ConnectDirect(IPin* output, IPin* input, const CMediaType* type) {
-  if (!output || !input) return E_POINTER;
-  return output->Connect(input, type);
+HRESULT FakeGraph::FindFilterByName(const wchar_t*, IBaseFilter** filter) {
+  if (filter) *filter = nullptr;
+  return E_NOTIMPL;
 }
 
 HRESULT FakeGraph::Reconnect(IPin* pin) {
@@ -77,9 +65,6 @@ HRESULT FakeGraph::Reconnect(IPin* pin) {
   return S_OK;
 }
 
-HRESULT FakeGraph::Disconnect(IPin* pin) { return pin ? pin->Disconnect() : E_POINTER; }
-
-HRESULT FakeGraph::SetDefaultSyncSource() { return S_OK; }
 
 HRESULT FakeGraph::Notify(std::int32_t code, std::intptr_t param1, std::intptr_t param2) {
   std::lock_guard lock(m_mutex);

@@ -6,7 +6,6 @@
 #include <atomic>
 #include <cstdint>
 #include <mutex>
-#include <string>
 #include <vector>
 
 #include "interfaces/graph_interfaces.h"
@@ -34,14 +33,16 @@ class FakeGraph final : public IFilterGraph, public IMediaEventSink {
   // Holds a reference on the filter and calls its JoinFilterGraph; RemoveFilter undoes both.
   HRESULT STDMETHODCALLTYPE AddFilter(IBaseFilter* filter, const wchar_t* name) override;
   HRESULT STDMETHODCALLTYPE RemoveFilter(IBaseFilter* filter) override;
-  HRESULT STDMETHODCALLTYPE EnumFilters(IEnumFilters** filters) override;  // E_NOTIMPL
-  HRESULT STDMETHODCALLTYPE FindFilterByName(const wchar_t* name, IBaseFilter** filter) override;
-  HRESULT STDMETHODCALLTYPE ConnectDirect(IPin* output, IPin* input,
-                                          const CMediaType* type) override;
   // Records the pin and answers S_OK; reconnecting is left to the test.
   HRESULT STDMETHODCALLTYPE Reconnect(IPin* pin) override;
-  HRESULT STDMETHODCALLTYPE Disconnect(IPin* pin) override;
-  HRESULT STDMETHODCALLTYPE SetDefaultSyncSource() override;
+  // Nothing under test asks the graph for these: E_NOTIMPL.
+  HRESULT STDMETHODCALLTYPE EnumFilters(IEnumFilters** filters) override;
+  HRESULT STDMETHODCALLTYPE FindFilterByName(const wchar_t* name, IBaseFilter** filter) override;
+  HRESULT STDMETHODCALLTYPE ConnectDirect(IPin*, IPin*, const CMediaType*) override {
+    return E_NOTIMPL;
+  }
+  HRESULT STDMETHODCALLTYPE Disconnect(IPin*) override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE SetDefaultSyncSource() override { return E_NOTIMPL; }
 
   // Records the event and answers S_OK.
   HRESULT STDMETHODCALLTYPE Notify(std::int32_t code, std::intptr_t param1,
@@ -54,15 +55,10 @@ class FakeGraph final : public IFilterGraph, public IMediaEventSink {
   ULONG OutsideReferences() const noexcept { return m_refs.load(); }
 
  private:
-  struct Member {
-    ComPtr<IBaseFilter> filter;
-    std::wstring name;
-  };
-
   const bool m_offersEventSink;
   std::atomic<ULONG> m_refs{0};
   mutable std::mutex m_mutex;
-  std::vector<Member> m_filters;
+  std::vector<ComPtr<IBaseFilter>> m_filters;
   std::vector<Event> m_events;
   std::vector<IPin*> m_reconnects;
 };

@@ -17,8 +17,6 @@ class FakeLoopInstance : public FakeUnknown<IMyFilter> {
 
   // What this instance sends is heard by `listener` from now on (itself included).
   void WireTo(FakeLoopInstance& listener) { m_listeners.push_back(&listener); }
-  // Counts one event of stray input, as a keyboard on the wire would.
-  void HearStray() { ++m_received; }
 
   std::vector<std::uint32_t> messages;  // every test message asked for, in order
   std::vector<std::uint8_t> flags;      // every SetClosedLoopTest value, in order

@@ -1,9 +1,9 @@
 #include "tests/support/fake_pins.h"
 
 #include <atomic>
-#include <chrono>
 #include <cstring>
 #include <memory>
+#include <mutex>
 
 #include "frame/allocator.h"
 #include "frame/base_filter.h"
@@ -114,7 +114,6 @@ FakeSource::~FakeSource() {
 HRESULT FakeSource::ConnectTo(IPin* input) { return m_impl->Pin().Connect(input, &m_type); }
 void FakeSource::Disconnect() { DisconnectBothEnds(&m_impl->Pin()); }
 HRESULT FakeSource::Pause() { return m_impl->Pause(); }
-HRESULT FakeSource::Run() { return m_impl->Run(0); }
 HRESULT FakeSource::Stop() { return m_impl->Stop(); }
 
 HRESULT FakeSource::Push(std::span<const std::uint8_t> bytes, const SampleMarks& marks) {
@@ -156,7 +155,6 @@ HRESULT FakeSource::NewSegment(REFERENCE_TIME start, REFERENCE_TIME stop, double
 }
 
 IPin* FakeSource::Output() const noexcept { return &m_impl->Pin(); }
-IBaseFilter* FakeSource::Filter() const noexcept { return m_filter.Get(); }
 IMemAllocator* FakeSource::Allocator() const noexcept { return m_impl->Pin().Allocator(); }
 FakeSeeking& FakeSource::Seeking() const noexcept { return m_impl->Pin().Seeking(); }
 
@@ -223,7 +221,6 @@ class FakeSink::SinkPin final : public CBaseInputPin {
   // What reached the pin, shared with the FakeSink that reads it.
   struct Log {
     mutable std::mutex mutex;
-    mutable std::condition_variable arrived;
     HRESULT receiveResult = S_OK;
     std::vector<ReceivedSample> samples;
     std::atomic<std::int64_t> counted{0};  // samples taken without recording
@@ -249,11 +246,8 @@ class FakeSink::SinkPin final : public CBaseInputPin {
     ComPtr<ISampleSilence> silence;
     if (SUCCEEDED(silence.QueryFrom(sample, IID_ISampleSilence)))
       seen.silent = silence->GetSilent() != 0;
-    {
-      std::lock_guard lock(m_log.mutex);
-      m_log.samples.push_back(std::move(seen));
-    }
-    m_log.arrived.notify_all();
+    std::lock_guard lock(m_log.mutex);
+    m_log.samples.push_back(std::move(seen));
   }
   HRESULT Count(std::int32_t& counter) {
     std::lock_guard lock(m_log.mutex);
@@ -292,9 +286,7 @@ FakeSink::~FakeSink() {
 }
 
 IPin* FakeSink::Input() const noexcept { return &m_impl->Pin(); }
-IBaseFilter* FakeSink::Filter() const noexcept { return m_filter.Get(); }
 HRESULT FakeSink::Pause() { return m_impl->Pause(); }
-HRESULT FakeSink::Run() { return m_impl->Run(0); }
 HRESULT FakeSink::Stop() { return m_impl->Stop(); }
 void FakeSink::Disconnect() { DisconnectBothEnds(&m_impl->Pin()); }
 
@@ -338,11 +330,4 @@ std::int32_t FakeSink::EndFlushes() const {
   auto& log = m_impl->Pin().Seen();
   std::lock_guard lock(log.mutex);
   return log.endFlushes;
-}
-
-bool FakeSink::WaitForSamples(std::size_t count, int timeoutMs) const {
-  auto& log = m_impl->Pin().Seen();
-  std::unique_lock lock(log.mutex);
-  return log.arrived.wait_for(lock, std::chrono::milliseconds(timeoutMs),
-                              [&] { return log.samples.size() >= count; });
 }

@@ -4,10 +4,8 @@
 // the test needs one. Stop the filters before the fakes go, so that disconnecting is allowed.
 #pragma once
 
-#include <condition_variable>
 #include <cstdint>
 #include <functional>
-#include <mutex>
 #include <optional>
 #include <span>
 #include <vector>
@@ -108,7 +106,6 @@ class FakeSource {
   void Disconnect();
   // [graph thread] The source filter's state; Pause commits its allocator.
   HRESULT Pause();
-  HRESULT Run();
   HRESULT Stop();
 
   // [streaming thread] Pushes one sample holding `bytes` with `marks`: the downstream Receive's
@@ -126,7 +123,6 @@ class FakeSource {
   HRESULT NewSegment(REFERENCE_TIME start, REFERENCE_TIME stop, double rate);
 
   IPin* Output() const noexcept;
-  IBaseFilter* Filter() const noexcept;
   // The allocator it lends from once connected, else null.
   IMemAllocator* Allocator() const noexcept;
   const CMediaType& Type() const noexcept { return m_type; }
@@ -185,10 +181,8 @@ class FakeSink {
   FakeSink& operator=(const FakeSink&) = delete;
 
   IPin* Input() const noexcept;
-  IBaseFilter* Filter() const noexcept;
   // [graph thread] The sink filter's state; it records only while not stopped.
   HRESULT Pause();
-  HRESULT Run();
   HRESULT Stop();
   // [graph thread] Disconnects the peer, then the input pin.
   void Disconnect();
@@ -203,8 +197,6 @@ class FakeSink {
   std::int32_t EndOfStreams() const;
   std::int32_t BeginFlushes() const;
   std::int32_t EndFlushes() const;
-  // Waits until at least `count` samples arrived; false after `timeoutMs`.
-  bool WaitForSamples(std::size_t count, int timeoutMs) const;
 
  private:
   class SinkFilter;

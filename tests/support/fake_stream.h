@@ -44,7 +44,6 @@ class FakeStream final : public FakeUnknown<IStream> {
     m_failure = failure;
   }
   const std::vector<std::uint8_t>& Bytes() const { return m_bytes; }
-  std::uint64_t Position() const { return m_position; }
   ULONG LargestRead() const { return m_largestRead; }
 
  private:

@@ -1,5 +1,5 @@
 // The fakes' IUnknown: CUnknownImpl, with a count that tests read to check the reference rules.
-// Fakes on the stack live by their scope; heap-made ones may delete themselves at zero.
+// Fakes live by their scope, never deleted by a release.
 #pragma once
 
 #include <cstdint>
@@ -13,16 +13,9 @@ class FakeUnknown : public CUnknownImpl<Interfaces...> {
   std::int32_t RefCount() const {
     return static_cast<std::int32_t>(CUnknownImpl<Interfaces...>::RefCount());
   }
-  // A heap-made fake deletes itself when released to zero.
-  void DeleteAtZero() { m_deleteAtZero = true; }
 
  protected:
-  void LastReleased() override {
-    if (m_deleteAtZero) delete this;
-  }
-
- private:
-  bool m_deleteAtZero = false;
+  void LastReleased() override {}
 };
 
 // An outer object for aggregation: answers IUnknown only, and counts the references that the

@@ -1,8 +1,5 @@
 #include "tests/support/view_recorders.h"
 
-#include <algorithm>
-
-
 // --- PageViewRecorder ---------------------------------------------------------------------------
 
 PageViewRecorder::PageViewRecorder(ParentWindow parent) : m_parent(parent) {}
@@ -73,7 +70,6 @@ void PageViewRecorder::UpdateRow(int row, const std::wstring& name,
   target.texts.name = name;
   target.texts.description = description;
   target.texts.info = info;
-  ++m_rowUpdates;
 }
 
 std::vector<int> PageViewRecorder::SelectedRows() const {
@@ -194,20 +190,17 @@ void PageViewRecorder::Close() {
 
 // --- ClosedLoopDialogRecorder -------------------------------------------------------------------
 
-ClosedLoopDialogRecorder::ClosedLoopDialogRecorder(ParentWindow parent, Script whileOpen)
-    : m_parent(parent), m_whileOpen(std::move(whileOpen)) {}
+ClosedLoopDialogRecorder::ClosedLoopDialogRecorder(Script whileOpen)
+    : m_whileOpen(std::move(whileOpen)) {}
 
 int ClosedLoopDialogRecorder::RunModal() {
-  m_open = true;
   if (m_whileOpen) m_whileOpen(*this);
   if (!m_result) Press(kClosedLoopClose);
-  m_open = false;
   return m_result.value_or(0);
 }
 
 void ClosedLoopDialogRecorder::SetText(std::uint32_t control, const std::wstring& text) {
   m_texts[control] = text;
-  if (control == kClosedLoopStatus) m_statuses.push_back(text);
 }
 
 void ClosedLoopDialogRecorder::EnableControl(std::uint32_t control, bool enabled) {
@@ -246,10 +239,8 @@ ViewFactoryRecorder::ViewFactoryRecorder() : m_previous(SetEditorViewFactory(thi
     lastPage = view.get();
     return std::unique_ptr<IPageView>(std::move(view));
   };
-  closedLoop.make = [this](ParentWindow parent) {
-    auto view = std::make_unique<ClosedLoopDialogRecorder>(parent, closedLoopScript);
-    lastClosedLoop = view.get();
-    return std::unique_ptr<IClosedLoopDialogView>(std::move(view));
+  closedLoop.make = [this](ParentWindow) {
+    return std::make_unique<ClosedLoopDialogRecorder>(closedLoopScript);
   };
   hexEdit.make = [this](ParentWindow) { return dialogs.CreateHexEditDialog(); };
   prefixEditor.make = [this](ParentWindow) { return dialogs.CreatePrefixEditor(); };
@@ -261,41 +252,9 @@ ViewFactoryRecorder::ViewFactoryRecorder() : m_previous(SetEditorViewFactory(thi
 
 ViewFactoryRecorder::~ViewFactoryRecorder() { SetEditorViewFactory(m_previous); }
 
-std::unique_ptr<IPageView> ViewFactoryRecorder::CreatePageView(ParentWindow parent) {
-  return page.Create(parent);
-}
-std::unique_ptr<IHexEditDialogView> ViewFactoryRecorder::CreateHexEditDialog(
-    ParentWindow parent) {
-  return hexEdit.Create(parent);
-}
-std::unique_ptr<IPrefixEditorView> ViewFactoryRecorder::CreatePrefixEditor(ParentWindow parent) {
-  return prefixEditor.Create(parent);
-}
-std::unique_ptr<IProgramDialogView> ViewFactoryRecorder::CreateProgramDialog(
-    ParentWindow parent) {
-  return program.Create(parent);
-}
-std::unique_ptr<IControllerDialogView> ViewFactoryRecorder::CreateControllerDialog(
-    ParentWindow parent) {
-  return controller.Create(parent);
-}
-std::unique_ptr<IWaitDialogView> ViewFactoryRecorder::CreateWaitDialog(ParentWindow parent) {
-  return wait.Create(parent);
-}
-std::unique_ptr<IAboutDialogView> ViewFactoryRecorder::CreateAboutDialog(ParentWindow parent) {
-  return about.Create(parent);
-}
-std::unique_ptr<IClosedLoopDialogView> ViewFactoryRecorder::CreateClosedLoopDialog(
-    ParentWindow parent) {
-  return closedLoop.Create(parent);
-}
-
 // --- FakePageSite -------------------------------------------------------------------------------
 
-HRESULT FakePageSite::OnStatusChange(DWORD flags) {
-  m_statusChanges.push_back(flags);
-  return S_OK;
-}
+HRESULT FakePageSite::OnStatusChange(DWORD) { return S_OK; }
 
 HRESULT FakePageSite::GetLocaleID(LCID* locale) {
   if (!locale) return E_POINTER;
@@ -336,19 +295,17 @@ void ControlHostRecorder::PostToWindow(MessageId message, WPARAM_T wParam, LPARA
   posted.push_back({message, wParam, lParam});
 }
 
+// The window's origin stands at 1000, 500 on the screen.
 void ControlHostRecorder::ToScreen(int& x, int& y) {
-  x += screenX;
-  y += screenY;
+  x += 1000;
+  y += 500;
 }
 
 void ControlHostRecorder::DrawMeter(const CUIMeter&, int lit) { meterDraws.push_back(lit); }
 
 void ControlHostRecorder::DrawFader(const CUIFader&, const std::vector<UIRect>& uncovered,
-                                    const UIRect& thumb) {
+                                    const UIRect&) {
   faderUncovered = uncovered;
-  faderThumb = thumb;
 }
-
-void ControlHostRecorder::DrawStateButton(const CUIStateButton&) { ++stateButtonDraws; }
 
 void ControlHostRecorder::OpenTextBox(const UIRect&, const std::wstring& text) { textBox = text; }

@@ -85,7 +85,6 @@ class PageViewRecorder final : public IPageView, public IEventListView, private 
   std::vector<EventListColumn> Columns() const { return m_columns; }
   std::set<int> DropHighlights() const { return m_dropHighlights; }
   bool Dragging() const noexcept { return m_dragRow.has_value(); }
-  int RowUpdates() const noexcept { return m_rowUpdates; }
 
   // --- what the user does ---
   // Presses and releases the button over it: a click, or the choice from its menu.
@@ -128,7 +127,6 @@ class PageViewRecorder final : public IPageView, public IEventListView, private 
   std::set<int> m_selected;
   std::set<int> m_dropHighlights;
   std::optional<int> m_dragRow;
-  int m_rowUpdates = 0;
 };
 
 // --- the closed-loop dialog ---------------------------------------------------------------------
@@ -142,7 +140,7 @@ class ClosedLoopDialogRecorder final : public IClosedLoopDialogView {
     std::int32_t position = 0;
   };
 
-  explicit ClosedLoopDialogRecorder(ParentWindow parent, Script whileOpen = {});
+  explicit ClosedLoopDialogRecorder(Script whileOpen = {});
 
   void SetEvents(IClosedLoopDialogEvents* events) override { m_events = events; }
   int RunModal() override;
@@ -153,32 +151,25 @@ class ClosedLoopDialogRecorder final : public IClosedLoopDialogView {
 
   // A push button; a disabled one does nothing.
   void Press(std::uint32_t id);
-  ParentWindow Parent() const noexcept { return m_parent; }
   std::wstring Text(std::uint32_t control) const;
   bool Enabled(std::uint32_t control) const;
   Bar Progress(std::uint32_t control) const;
-  // Every status line shown, in order.
-  const std::vector<std::wstring>& Statuses() const noexcept { return m_statuses; }
-  bool Open() const noexcept { return m_open; }
 
  private:
-  ParentWindow m_parent;
   Script m_whileOpen;
   IClosedLoopDialogEvents* m_events = nullptr;
   std::optional<int> m_result;
-  bool m_open = false;
   std::map<std::uint32_t, std::wstring> m_texts;
   std::map<std::uint32_t, bool> m_enabled;
   std::map<std::uint32_t, Bar> m_bars;
-  std::vector<std::wstring> m_statuses;
 };
 
 // --- the factory --------------------------------------------------------------------------------
 
 // Hands out a view per screen, installed for its lifetime. Each screen has a maker a test may
 // replace (null: the screen cannot be made, as when headless) and keeps the parent of every
-// request. The page and the closed-loop dialog make recorders by default and keep the last one
-// made; the other dialogs come from `dialogs`, which plays the scripts queued for them (none
+// request. The page and the closed-loop dialog make recorders by default (the last page is
+// kept); the other dialogs come from `dialogs`, which plays the scripts queued for them (none
 // queued: the dialog is closed at once).
 class ViewFactoryRecorder final : public CEditorViewFactory {
  public:
@@ -199,14 +190,28 @@ class ViewFactoryRecorder final : public CEditorViewFactory {
   ViewFactoryRecorder(const ViewFactoryRecorder&) = delete;
   ViewFactoryRecorder& operator=(const ViewFactoryRecorder&) = delete;
 
-  std::unique_ptr<IPageView> CreatePageView(ParentWindow parent) override;
-  std::unique_ptr<IHexEditDialogView> CreateHexEditDialog(ParentWindow parent) override;
-  std::unique_ptr<IPrefixEditorView> CreatePrefixEditor(ParentWindow parent) override;
-  std::unique_ptr<IProgramDialogView> CreateProgramDialog(ParentWindow parent) override;
-  std::unique_ptr<IControllerDialogView> CreateControllerDialog(ParentWindow parent) override;
-  std::unique_ptr<IWaitDialogView> CreateWaitDialog(ParentWindow parent) override;
-  std::unique_ptr<IAboutDialogView> CreateAboutDialog(ParentWindow parent) override;
-  std::unique_ptr<IClosedLoopDialogView> CreateClosedLoopDialog(ParentWindow parent) override;
+  std::unique_ptr<IPageView> CreatePageView(ParentWindow p) override { return page.Create(p); }
+  std::unique_ptr<IHexEditDialogView> CreateHexEditDialog(ParentWindow p) override {
+    return hexEdit.Create(p);
+  }
+  std::unique_ptr<IPrefixEditorView> CreatePrefixEditor(ParentWindow p) override {
+    return prefixEditor.Create(p);
+  }
+  std::unique_ptr<IProgramDialogView> CreateProgramDialog(ParentWindow p) override {
+    return program.Create(p);
+  }
+  std::unique_ptr<IControllerDialogView> CreateControllerDialog(ParentWindow p) override {
+    return controller.Create(p);
+  }
+  std::unique_ptr<IWaitDialogView> CreateWaitDialog(ParentWindow p) override {
+    return wait.Create(p);
+  }
+  std::unique_ptr<IAboutDialogView> CreateAboutDialog(ParentWindow p) override {
+    return about.Create(p);
+  }
+  std::unique_ptr<IClosedLoopDialogView> CreateClosedLoopDialog(ParentWindow p) override {
+    return closedLoop.Create(p);
+  }
 
   Screen<IPageView> page;
   Screen<IHexEditDialogView> hexEdit;
@@ -220,10 +225,9 @@ class ViewFactoryRecorder final : public CEditorViewFactory {
   DialogViewSource dialogs;
   // What the default closed-loop recorder does while open.
   ClosedLoopDialogRecorder::Script closedLoopScript;
-  // The last recorders the default makers made; null before. A view lives as long as its
+  // The last page recorder the default maker made; null before. A view lives as long as its
   // screen keeps it.
   PageViewRecorder* lastPage = nullptr;
-  ClosedLoopDialogRecorder* lastClosedLoop = nullptr;
 
  private:
   CEditorViewFactory* m_previous;
@@ -237,11 +241,6 @@ class FakePageSite final : public FakeUnknown<IPropertyPageSite> {
   HRESULT STDMETHODCALLTYPE GetLocaleID(LCID* locale) override;
   HRESULT STDMETHODCALLTYPE GetPageContainer(IUnknown** container) override;
   HRESULT STDMETHODCALLTYPE TranslateAccelerator(MSG* message) override;
-
-  const std::vector<DWORD>& StatusChanges() const noexcept { return m_statusChanges; }
-
- private:
-  std::vector<DWORD> m_statusChanges;
 };
 
 // An object a host might hand a page, answering the interfaces named and IUnknown only; the
@@ -271,7 +270,7 @@ class ControlHostRecorder final : public IUIControlHost {
   void DrawMeter(const CUIMeter& meter, int lit) override;
   void DrawFader(const CUIFader& fader, const std::vector<UIRect>& uncovered,
                  const UIRect& thumb) override;
-  void DrawStateButton(const CUIStateButton& button) override;
+  void DrawStateButton(const CUIStateButton&) override {}
   void OpenTextBox(const UIRect& area, const std::wstring& text) override;
   void CloseTextBox() override { textBox.reset(); }
 
@@ -282,9 +281,5 @@ class ControlHostRecorder final : public IUIControlHost {
   std::intptr_t answer = 0;
   std::vector<int> meterDraws;
   std::vector<UIRect> faderUncovered;
-  std::optional<UIRect> faderThumb;
-  int stateButtonDraws = 0;
   std::optional<std::wstring> textBox;
-  // Screen position of the window's origin.
-  int screenX = 1000, screenY = 500;
 };

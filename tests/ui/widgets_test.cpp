@@ -32,6 +32,18 @@ std::vector<std::uint8_t> Bytes(std::initializer_list<int> values) {
   return bytes;
 }
 
+// `grid` over `bytes` in sixteen bare columns, as the dialogs set it up, shown in a widget.
+std::unique_ptr<CHexGridWidget> ShowGrid(CHexGrid& grid, std::vector<std::uint8_t>& bytes) {
+  grid.SetColumns(16);
+  grid.SetShowAddress(false);
+  grid.SetShowText(false);
+  grid.SetData(&bytes);
+  auto widget = std::make_unique<CHexGridWidget>(grid);
+  widget->resize(420, 120);
+  widget->show();
+  return widget;
+}
+
 // Counts the paints a widget receives.
 class PaintCounter final : public QObject {
  public:
@@ -84,13 +96,8 @@ class WidgetsTest final : public QObject {
 void WidgetsTest::hexGridOverwritesInsertsAndDeletesByKeys() {
   std::vector<std::uint8_t> bytes = Bytes({0x00, 0x11});
   CHexGrid grid;
-  grid.SetColumns(16);
-  grid.SetShowAddress(false);
-  grid.SetShowText(false);
-  grid.SetData(&bytes);
-  CHexGridWidget widget(grid);
-  widget.resize(420, 120);
-  widget.show();
+  const auto shown = ShowGrid(grid, bytes);
+  CHexGridWidget& widget = *shown;
   widget.setFocus();
   QTest::keyClicks(&widget, QStringLiteral("a"));
   QVERIFY(bytes == Bytes({0xA0, 0x11}));
@@ -124,13 +131,8 @@ void WidgetsTest::hexGridOverwritesInsertsAndDeletesByKeys() {
 void WidgetsTest::hexGridPlacesTheCaretWhereClicked() {
   std::vector<std::uint8_t> bytes(40, 0x00);
   CHexGrid grid;
-  grid.SetColumns(16);
-  grid.SetShowAddress(false);
-  grid.SetShowText(false);
-  grid.SetData(&bytes);
-  CHexGridWidget widget(grid);
-  widget.resize(420, 120);
-  widget.show();
+  const auto shown = ShowGrid(grid, bytes);
+  CHexGridWidget& widget = *shown;
   QTest::mouseClick(widget.viewport(), Qt::LeftButton, {}, widget.DigitRect(18, true).center());
   QCOMPARE(widget.CaretByte(), std::size_t{18});
   QVERIFY(widget.CaretOnSecondDigit());
