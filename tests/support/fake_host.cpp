@@ -163,8 +163,10 @@ HRESULT FakeMidiPorts::SendShortMsg(MidiPortHandle handle, std::uint32_t message
     m_hook(m_hookContext, message);
     return S_OK;
   }
+  // Decided as the send begins: a test that saw it begin may change the answer for the next.
+  const bool fail = m_failShort;
   Begin();
-  if (m_failShort) return E_FAIL;
+  if (fail) return E_FAIL;
   {
     std::lock_guard lock(m_mutex);
     if (!m_loopListeners.empty()) m_onWire.push_back(message);
@@ -175,8 +177,9 @@ HRESULT FakeMidiPorts::SendShortMsg(MidiPortHandle handle, std::uint32_t message
 
 HRESULT FakeMidiPorts::SendSysexMsg(MidiPortHandle handle, const std::uint8_t* bytes,
                                     std::uint32_t length) {
+  const bool fail = m_failSysex;
   Begin();
-  if (m_failSysex) return E_FAIL;
+  if (fail) return E_FAIL;
   Record({FakeClock::now(), handle, true, 0, std::vector<std::uint8_t>(bytes, bytes + length)});
   return S_OK;
 }
