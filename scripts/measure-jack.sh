@@ -53,7 +53,7 @@ loop_report() {  # RACK MIDI [WIRES...]: the closed-loop test with its report
 }
 
 for period in 64 256; do
-  export JACK_DEFAULT_SERVER="tarn-measure-$$-$period"
+  export JACK_DEFAULT_SERVER="tarn-measure-$period"
   jackd --no-realtime -n "$JACK_DEFAULT_SERVER" -d dummy -r 48000 -p "$period" \
     >"$out/jackd-$period.log" 2>&1 &
   server=$!

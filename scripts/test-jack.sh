@@ -11,7 +11,16 @@ if ! command -v jackd >/dev/null; then
 fi
 cmake --build --preset default --target host_jack_tests >/dev/null
 
-export JACK_DEFAULT_SERVER="tarn-test-$$" JACK_NO_START_SERVER=1
+# JACK's registry holds eight servers, and one that was killed keeps its entry until a server
+# of the same name starts. So the names here are fixed, one run at a time holds them, and when
+# no server runs at all the entries left behind by others are cleared.
+exec 9>"${TMPDIR:-/tmp}/tarn-jack-tests.lock"
+if ! flock -w 900 9; then
+  echo "another run of the JACK tests holds ${TMPDIR:-/tmp}/tarn-jack-tests.lock" >&2
+  exit 1
+fi
+if ! grep -qsx jackd /proc/[0-9]*/comm; then rm -f /dev/shm/jack-shm-registry 2>/dev/null || true; fi
+export JACK_DEFAULT_SERVER=tarn-test JACK_NO_START_SERVER=1
 log=build/default/jackd-test.log
 jackd --no-realtime -n "$JACK_DEFAULT_SERVER" -d dummy -r 48000 -p 250 >"$log" 2>&1 &
 server=$!

@@ -38,6 +38,20 @@ Bytes Lower(Bytes bytes) {
   return bytes;
 }
 
+// Points the clients started while it lives at the server `name`, and then back.
+class CServerName {
+ public:
+  explicit CServerName(const std::string& name) : m_earlier(std::getenv("JACK_DEFAULT_SERVER")) {
+    setenv("JACK_DEFAULT_SERVER", name.c_str(), 1);
+  }
+  ~CServerName() { setenv("JACK_DEFAULT_SERVER", m_earlier.c_str(), 1); }
+  CServerName(const CServerName&) = delete;
+  CServerName& operator=(const CServerName&) = delete;
+
+ private:
+  std::string m_earlier;
+};
+
 class JackTest : public ::testing::Test {
  protected:
   static void SetUpTestSuite() { setenv("JACK_NO_START_SERVER", "1", 1); }
@@ -249,12 +263,12 @@ TEST_F(JackTest, APortRemovedWhileTheHostRunsIsReportedAndTheRunGoesOn) {
 }
 
 TEST_F(JackTest, ARackSavedWithJackPortIdsLoadsAgainAfterTheServerRestarts) {
-  const std::string own = "tarn-restart-" + std::to_string(getpid());
-  const std::string shared = std::getenv("JACK_DEFAULT_SERVER");
-  setenv("JACK_DEFAULT_SERVER", own.c_str(), 1);
+  // A fixed name, so that JACK reuses its registry entry if a run was killed.
+  const std::string own = std::string(std::getenv("JACK_DEFAULT_SERVER")) + "-restart";
+  const CServerName serverName(own);
   {
     CJackServer server(own, 48000, 256, m_host.File("restart-1.log"));
-    ASSERT_TRUE(server.Up());
+    ASSERT_TRUE(server.Up()) << server.Log();
     auto dump = Dump("keep-dump");
     MakeRack({Config("", "keep-dump:input",
                      std::string(kNoClock) + "<MIDIMsg Name=\"Program\" Description=\"\" "
@@ -264,7 +278,7 @@ TEST_F(JackTest, ARackSavedWithJackPortIdsLoadsAgainAfterTheServerRestarts) {
   {
     // A new server, where another client's port now stands first in the list.
     CJackServer server(own, 48000, 256, m_host.File("restart-2.log"));
-    ASSERT_TRUE(server.Up());
+    ASSERT_TRUE(server.Up()) << server.Log();
     auto first = Dump("aaa-dump");
     auto dump = Dump("keep-dump");
     const HostResult run = m_host.Run("run rack.json --midi jack --seconds 0.5");
@@ -275,7 +289,6 @@ TEST_F(JackTest, ARackSavedWithJackPortIdsLoadsAgainAfterTheServerRestarts) {
     EXPECT_EQ(BytesOf(ReadDump(m_host.File("keep-dump.txt"))), Bytes{"c0 09"});
     EXPECT_TRUE(ReadDump(m_host.File("aaa-dump.txt")).empty());
   }
-  setenv("JACK_DEFAULT_SERVER", shared.c_str(), 1);
 }
 
 TEST_F(JackTest, ClosedLoopTestPassesForOneInstanceWiredToItself) {

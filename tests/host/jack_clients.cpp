@@ -39,10 +39,18 @@ void CBackground::Stop() {
 
 CJackServer::CJackServer(const std::string& name, int rate, int period,
                          const std::filesystem::path& log)
-    : m_server("jackd --no-realtime -n " + name + " -d dummy -r " + std::to_string(rate) +
+    : m_log(log),
+      m_server("jackd --no-realtime -n " + name + " -d dummy -r " + std::to_string(rate) +
                    " -p " + std::to_string(period),
                log) {
   m_up = std::system(("jack_wait -s " + name + " -w -t 10 >/dev/null 2>&1").c_str()) == 0;
+}
+
+std::string CJackServer::Log() const {
+  std::ifstream in(m_log);
+  std::ostringstream text;
+  text << in.rdbuf();
+  return text.str();
 }
 
 bool JackInstalled() { return std::system("command -v jackd >/dev/null 2>&1") == 0; }

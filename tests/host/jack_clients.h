@@ -32,8 +32,11 @@ class CJackServer {
   CJackServer(const std::string& name, int rate, int period, const std::filesystem::path& log);
   bool Up() const { return m_up; }
   void Stop() { m_server.Stop(); }
+  // What the server printed, for a failure's message.
+  std::string Log() const;
 
  private:
+  std::filesystem::path m_log;
   CBackground m_server;
   bool m_up = false;
 };
