@@ -22,6 +22,7 @@ fi
 if ! grep -qsx jackd /proc/[0-9]*/comm; then rm -f /dev/shm/jack-shm-registry 2>/dev/null || true; fi
 export JACK_DEFAULT_SERVER=tarn-test JACK_NO_START_SERVER=1
 log=build/default/jackd-test.log
+export TARN_JACK_SERVER_LOG="$PWD/$log"  # where the tests see the server's xruns
 jackd --no-realtime -n "$JACK_DEFAULT_SERVER" -d dummy -r 48000 -p 250 >"$log" 2>&1 &
 server=$!
 trap 'kill "$server" 2>/dev/null; wait "$server" 2>/dev/null || true' EXIT

@@ -226,16 +226,24 @@ void CJackDriver::Consume(std::span<const std::uint8_t> bytes) {
 
 bool CJackDriver::Finish(std::string&) { return true; }
 
+namespace {
+
+std::string Periods(std::uint64_t count) {
+  return std::to_string(count) + (count == 1 ? " period" : " periods");
+}
+
+}  // namespace
+
 std::vector<std::string> CJackDriver::Faults() const {
   std::vector<std::string> faults;
   if (const auto dropped = m_inputDropped.load())
-    faults.push_back("JACK audio: " + std::to_string(dropped) +
-                     " periods of input were lost: the chain fell behind");
+    faults.push_back("JACK audio: input lost for " + Periods(dropped) +
+                     ": the chain fell behind");
   if (const auto missing = m_outputMissing.load())
-    faults.push_back("JACK audio: " + std::to_string(missing) +
-                     " periods of output played as silence: the chain fell behind");
+    faults.push_back("JACK audio: output played as silence for " + Periods(missing) +
+                     ": the chain fell behind");
   if (const auto dropped = m_outputDropped.load())
-    faults.push_back("JACK audio: " + std::to_string(dropped) +
-                     " periods of output were lost: the server fell behind");
+    faults.push_back("JACK audio: output lost for " + Periods(dropped) +
+                     ": the server fell behind");
   return faults;
 }

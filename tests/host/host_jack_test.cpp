@@ -195,47 +195,75 @@ TEST_F(JackTest, ATimebaseMastersTempoRulesTheMidiClock) {
   EXPECT_LE(perSecond, 37.0);
 }
 
-TEST_F(JackTest, AudioPlayedIntoTheHostComesOutUnchanged) {
-  MakeRack({Config("", "", kNoClock), Config("", "", kNoClock)});
-  m_host.Start("run rack.json --midi jack --audio jack --seconds 6 --quiet");
-  ASSERT_TRUE(WaitForJackPort("tarn-host:in_1"));
-  CBackground metro("jack_metro -n audio-metro -b 300 -f 700", m_host.File("metro.log"));
-  ASSERT_TRUE(WaitForJackPort("audio-metro:300_bpm"));
-  ASSERT_TRUE(JackConnect("audio-metro:300_bpm", "tarn-host:in_1"));
-  ASSERT_TRUE(JackConnect("audio-metro:300_bpm", "tarn-host:in_2"));
-  // The metronome and what the host makes of it, recorded side by side.
-  const std::string rec = m_host.File("rec.wav").string();
-  ASSERT_EQ(std::system(("jack_rec -f '" + rec + "' -d 2 -b 32 audio-metro:300_bpm "
-                         "tarn-host:out_1 tarn-host:out_2 >/dev/null 2>&1").c_str()),
-            0);
-  metro.Stop();
-  const HostResult run = m_host.Wait();
-  ASSERT_EQ(run.code, 0) << run.err;
+// The metronome, as a JACK client records it beside the host's two outputs through which it
+// plays: three channels, frame by frame (none where a step failed), and whether the host said
+// that its chain fell behind, as it may on a busy machine.
+struct Recording {
+  std::vector<int> frames;
+  bool hostFellBehind = false;
+};
 
+Recording RecordMetronomeThroughHost(HostRunner& host) {
+  host.Start("run rack.json --midi jack --audio jack --seconds 6 --quiet");
+  EXPECT_TRUE(WaitForJackPort("tarn-host:in_1"));
+  CBackground metro("jack_metro -n audio-metro -b 300 -f 700", host.File("metro.log"));
+  const bool wired = WaitForJackPort("audio-metro:300_bpm") &&
+                     JackConnect("audio-metro:300_bpm", "tarn-host:in_1") &&
+                     JackConnect("audio-metro:300_bpm", "tarn-host:in_2");
+  const std::string rec = host.File("rec.wav").string();
+  const bool recorded =
+      wired && std::system(("jack_rec -f '" + rec + "' -d 2 -b 32 audio-metro:300_bpm "
+                            "tarn-host:out_1 tarn-host:out_2 >/dev/null 2>&1").c_str()) == 0;
+  metro.Stop();
+  const HostResult run = host.Wait();
+  Recording recording;
+  recording.hostFellBehind = run.code == 1 && run.err.find("fell behind") != std::string::npos;
+  EXPECT_TRUE(run.code == 0 || recording.hostFellBehind) << run.err;
+  EXPECT_TRUE(recorded);
   SF_INFO info{};
-  SNDFILE* file = sf_open(rec.c_str(), SFM_READ, &info);
-  ASSERT_TRUE(file);
-  ASSERT_EQ(info.channels, 3);
-  std::vector<int> frames(static_cast<std::size_t>(info.frames) * 3);
-  sf_readf_int(file, frames.data(), info.frames);
+  SNDFILE* file = recorded ? sf_open(rec.c_str(), SFM_READ, &info) : nullptr;
+  if (!file) return recording;
+  if (info.channels == 3) {
+    recording.frames.resize(static_cast<std::size_t>(info.frames) * 3);
+    sf_readf_int(file, recording.frames.data(), info.frames);
+  }
   sf_close(file);
-  const auto sample = [&](std::size_t frame, std::size_t channel) {
-    return frames[frame * 3 + channel];
-  };
-  const std::size_t count = static_cast<std::size_t>(info.frames);
-  // Each output is the metronome a whole number of periods later (the host's lead), exactly.
+  return recording;
+}
+
+// Whether each output is the metronome a whole number of periods later (the host's lead),
+// exactly, and the clicks were there to compare.
+bool OutputsCopyTheMetronome(const std::vector<int>& frames) {
+  const std::size_t count = frames.size() / 3;
   const auto delayedBy = [&](std::size_t lag, std::size_t channel) {
     for (std::size_t f = 0; f + lag < count; ++f)
-      if (sample(f + lag, channel) != sample(f, 0)) return false;
+      if (frames[(f + lag) * 3 + channel] != frames[f * 3]) return false;
     return true;
   };
   std::size_t lag = 0;
   while (lag < 20 * 250 && !delayedBy(lag, 1)) lag += 250;
-  EXPECT_LT(lag, 20u * 250) << "the first output is no delayed copy of the metronome";
-  EXPECT_TRUE(delayedBy(lag, 2));
   std::size_t heard = 0;
-  for (std::size_t f = 0; f < count; ++f) heard += sample(f, 0) != 0;
-  EXPECT_GT(heard, 1000u);  // the clicks were there to compare
+  for (std::size_t f = 0; f < count; ++f) heard += frames[f * 3] != 0;
+  return lag < 20 * 250 && delayedBy(lag, 2) && heard > 1000;
+}
+
+TEST_F(JackTest, AudioPlayedIntoTheHostComesOutUnchanged) {
+  MakeRack({Config("", "", kNoClock), Config("", "", kNoClock)});
+  // A cycle that the server cut short on a busy machine (an xrun) leaves stale buffers in every
+  // client, the recorder's included, and a host that fell behind plays silence and says so: a
+  // recording across either proves nothing, and is made again, up to three times.
+  for (int attempt = 1;; ++attempt) {
+    const std::size_t xrunsBefore = ServerXruns();
+    const Recording recording = RecordMetronomeThroughHost(m_host);
+    ASSERT_FALSE(recording.frames.empty());
+    const bool copied = OutputsCopyTheMetronome(recording.frames);
+    const bool disturbed = recording.hostFellBehind || ServerXruns() != xrunsBefore;
+    if (copied || !disturbed || attempt == 3) {
+      EXPECT_TRUE(copied) << "the outputs are no delayed copies of the metronome"
+                          << (disturbed ? ", and something fell behind each time" : "");
+      break;
+    }
+  }
 }
 
 TEST_F(JackTest, APortRemovedWhileTheHostRunsIsReportedAndTheRunGoesOn) {

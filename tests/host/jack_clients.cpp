@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <cstdio>
+#include <cstdlib>
 #include <fstream>
 #include <sstream>
 #include <thread>
@@ -77,6 +78,16 @@ bool WaitForJackPort(const std::string& port, std::chrono::milliseconds timeout)
     std::this_thread::sleep_for(std::chrono::milliseconds(50));
   }
   return false;
+}
+
+std::size_t ServerXruns() {
+  const char* log = std::getenv("TARN_JACK_SERVER_LOG");
+  if (!log) return 0;
+  std::ifstream in(log);
+  std::size_t xruns = 0;
+  for (std::string line; std::getline(in, line);)
+    xruns += line.find("XRun") != std::string::npos;
+  return xruns;
 }
 
 bool JackConnect(const std::string& from, const std::string& to) {

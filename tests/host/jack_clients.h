@@ -48,6 +48,9 @@ std::vector<std::string> JackPorts();
 // Waits until `port` is listed; false after `timeout`.
 bool WaitForJackPort(const std::string& port,
                      std::chrono::milliseconds timeout = std::chrono::seconds(10));
+// The cycles in which the server found a client unfinished (xruns), as the log of the server
+// that TARN_JACK_SERVER_LOG names shows them; 0 without one.
+std::size_t ServerXruns();
 // jack_connect `from` `to`.
 bool JackConnect(const std::string& from, const std::string& to);
 
