@@ -85,6 +85,13 @@ int RunWithRatios(int argc, char** argv, const std::vector<RatioRow>& rows) {
                   row.speed ? " speed" : "", row.target, met ? "met" : "missed");
     }
     if (!row.counter.empty()) std::printf("; %s %.1f against %.1f", row.counter.c_str(), a, b);
+    double floor = 0;
+    if (!row.floorCounter.empty() && Read(*ours, row.floorCounter, &floor) && floor > 0) {
+      if (row.difference)
+        std::printf("; the specified steps alone %.1f", floor - b);
+      else
+        std::printf("; the specified steps alone %.2fx", row.speed ? b / floor : floor / b);
+    }
     const std::string& baselineAlso =
         row.baselineAlsoShow.empty() ? row.alsoShow : row.baselineAlsoShow;
     double extraOurs = 0, extraBaseline = 0;
