@@ -7,8 +7,8 @@
 
 namespace {
 
-// Plain console output, as the default reporter gives in a pipe, keeping each run's figures by name: the median aggregate when
-// there are repetitions, the run itself otherwise.
+// Plain console output, as the default reporter gives in a pipe, keeping each run's figures by
+// name: the median aggregate when there are repetitions, the run itself otherwise.
 class CollectingReporter : public benchmark::ConsoleReporter {
  public:
   struct Figures {
