@@ -80,35 +80,24 @@ COutputWorker::COutputWorker(const CHostConnection& connection, const CPortChoic
 
 COutputWorker::~COutputWorker() { EndAll(); }
 
-HRESULT COutputWorker::Post(const CStoredEvent& event) { return Enqueue(event, true); }
+HRESULT COutputWorker::Post(const CStoredEvent& event) { return Enqueue(event); }
 
-HRESULT COutputWorker::Post(CStoredEvent&& event) { return Enqueue(std::move(event), true); }
-
-HRESULT COutputWorker::Queue(CStoredEvent&& event) { return Enqueue(std::move(event), false); }
+HRESULT COutputWorker::Post(CStoredEvent&& event) { return Enqueue(std::move(event)); }
 
 template <class Event>
-HRESULT COutputWorker::Enqueue(Event&& event, bool wake) {
+HRESULT COutputWorker::Enqueue(Event&& event) {
   std::shared_ptr<WorkerRun> toWake;
   {
     std::lock_guard lock(m_queueLock);
     if (!m_run) return E_FAIL;
     m_outputQueue.push_back(std::forward<Event>(event));
     // A wake still pending carries this event along: the worker takes the wake before the
-    // queue. So a burst of posts sets the event once.
-    if (wake && !m_run->wakeEvent.IsSet()) toWake = m_run;
+    // queue. So a burst of posts sets the event once, and a worker that is busy with a batch
+    // finds the next one waiting.
+    if (!m_run->wakeEvent.IsSet()) toWake = m_run;
   }
   if (toWake) toWake->wakeEvent.Set();
   return S_OK;
-}
-
-void COutputWorker::Wake() {
-  std::shared_ptr<WorkerRun> toWake;
-  {
-    std::lock_guard lock(m_queueLock);
-    if (!m_run || m_run->wakeEvent.IsSet()) return;
-    toWake = m_run;
-  }
-  toWake->wakeEvent.Set();
 }
 
 void COutputWorker::Start(NotifyHandle window) {

@@ -34,11 +34,6 @@ class COutputWorker {
   HRESULT Post(const CStoredEvent& event);
   // [any thread] The same for an event made for the queue alone, which is moved there.
   HRESULT Post(CStoredEvent&& event);
-  // [any thread] Queues as Post does but leaves the worker asleep, for a producer that queues a
-  // run of events and then wakes the worker once with Wake.
-  HRESULT Queue(CStoredEvent&& event);
-  // [any thread] Wakes the worker for what was queued, unless a wake is pending already.
-  void Wake();
   // [graph thread, instance lock] Empties the queue and starts a worker at the highest
   // priority, posting activity to `window`.
   void Start(NotifyHandle window);
@@ -70,7 +65,7 @@ class COutputWorker {
  private:
   friend class WorkerThread;
   template <class Event>
-  HRESULT Enqueue(Event&& event, bool wake);
+  HRESULT Enqueue(Event&& event);
   void WorkerLoop(WorkerRun& run);
   void PrefetchForBatch() const noexcept;
   void RunBatch(WorkerRun& run);
