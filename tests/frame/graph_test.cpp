@@ -151,24 +151,17 @@ TEST(State, PauseFromStoppedActivatesConnectedPinsAndStopDeactivatesThem) {
   EXPECT_EQ(out.activations, 0) << "an unconnected pin is neither activated nor an error";
   EXPECT_EQ(c.filter->Stop(), S_OK);
   c.Connect();
-  FILTER_STATE state{};
   ComPtr<IMediaSample> sample;
 
   ASSERT_EQ(c.filter->Pause(), S_OK);
   EXPECT_EQ(out.activations, 1);
-  c.filter->GetState(0, &state);
-  EXPECT_EQ(state, State_Paused);
   EXPECT_EQ(out.GetDeliveryBuffer(sample.Receive(), nullptr, nullptr, AM_GBF_NOWAIT), S_OK);
   sample.Reset();
 
   ASSERT_EQ(c.filter->Run(0), S_OK);
   EXPECT_EQ(out.activations, 1) << "paused to running activates nothing";
-  c.filter->GetState(0, &state);
-  EXPECT_EQ(state, State_Running);
 
   ASSERT_EQ(c.filter->Stop(), S_OK);
-  c.filter->GetState(0, &state);
-  EXPECT_EQ(state, State_Stopped);
   EXPECT_EQ(out.GetDeliveryBuffer(sample.Receive(), nullptr, nullptr, 0), VFW_E_NOT_COMMITTED);
 
   ASSERT_EQ(c.filter->Run(0), S_OK);
