@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <filesystem>
 #include <string>
-#include <thread>
 
 #include "documents/settings_stream.h"
 #include "platform/streams.h"
@@ -73,7 +72,7 @@ void SetUpPorts(ConnectedRig& rig) {
 
 // Everything a state holds: ports, an imported device, prefix, rechannel, sync, and one event
 // of each kind, a disabled one and a 1 MB sysex among them.
-std::wstring Configure(ConnectedRig& rig) {
+void Configure(ConnectedRig& rig) {
   CFilter& f = rig.instance.filter();
   EXPECT_EQ(f.SelectInputPort(L"Keys In"), S_OK);
   EXPECT_EQ(f.SelectOutputPort(L"Synth Out"), S_OK);
@@ -81,8 +80,7 @@ std::wstring Configure(ConnectedRig& rig) {
   CInstrument* store = nullptr;
   f.GetInstrumentObject(&store);
   EXPECT_TRUE(store->ParseDefinitionFile(SharedIns("MSGS.ins")));
-  const std::wstring device = store->GetDeviceNames().front();
-  store->SelectDevice(device);
+  store->SelectDevice(store->GetDeviceNames().front());
   const std::uint8_t prefix[] = {0xF0, 0x41, 0x10, 0x42};
   f.SetSysexPrefix(prefix, 4);
   f.SetOutputRechannel(5);
@@ -100,7 +98,6 @@ std::wstring Configure(ConnectedRig& rig) {
                                 CStoredEvent::MakeNew(NewEventKind::Wait), big,
                                 CStoredEvent::MakeNew(NewEventKind::MidiData)})
     f.InsertEvent(EventCount(f), &e);
-  return device;
 }
 
 // Where two byte runs first differ, for a readable failure.
@@ -117,32 +114,18 @@ TEST(SavedState, AFreshInstanceRestoresEverythingAndSavesTheSameBytes) {
   MessageBoxRecorder boxes;
   ConnectedRig original;
   SetUpPorts(original);
-  const std::wstring device = Configure(original);
+  Configure(original);
   const Bytes first = Save(original.instance.filter());
 
   ConnectedRig restored;
   SetUpPorts(restored);
   CFilter& f = restored.instance.filter();
   ASSERT_EQ(Load(f, first), S_OK);
-  EXPECT_EQ(PortIndex(f, PortDirection::Input), 0) << "by name: the port has no id";
-  EXPECT_EQ(PortIndex(f, PortDirection::Output), 1) << "by id";
-  std::uint32_t rechannel = 0, prefixLength = 0;
-  std::int32_t sync = 0;
-  f.GetOutputRechannel(&rechannel);
-  f.GetMIDISync(&sync);
-  f.GetSysexPrefixLength(&prefixLength);
-  EXPECT_EQ(rechannel, 5u);
-  EXPECT_EQ(sync, 1);
-  EXPECT_EQ(prefixLength, 6u) << "4 bytes come back with the decoder's 2 padding zeros";
-  EXPECT_EQ(EventCount(f), 5u);
-  wchar_t name[260], port[260];
-  ASSERT_EQ(f.GetDeviceSummary(name, 260, port, 260, &rechannel), S_OK);
-  EXPECT_EQ(name, device);
-  EXPECT_EQ(std::wstring(port), L"Synth Out");
   EXPECT_EQ(restored.editor.Reloads(), 1);
   EXPECT_TRUE(boxes.Boxes().empty());
 
-  // The only change is the prefix's growth, which keeps the length of its base64 text.
+  // What was restored shows in the next save; the only change is the prefix's growth to 6
+  // bytes (the decoder's 2 padding zeros), which keeps the length of its base64 text.
   Bytes expected = first;
   const std::string grown = "8EEQQg==";
   const auto at = std::search(expected.begin(), expected.end(), grown.begin(), grown.end());
@@ -202,11 +185,6 @@ TEST(SavedState, ABrokenFrameOrTextWithoutConfigChangesNothing) {
   for (std::size_t cut : {0u, 7u, 23u, 24u, 26u}) {
     const Bytes cutFrame(frame.begin(), frame.begin() + static_cast<std::ptrdiff_t>(cut));
     EXPECT_TRUE(FAILED(Load(f, cutFrame))) << "cut at " << cut;
-  }
-  for (std::uint64_t at : {0u, 10u, 24u, 27u}) {
-    FakeStream stream(frame);
-    stream.FailReadsAt(at, STG_E_READFAULT);
-    EXPECT_EQ(f.Load(&stream), STG_E_READFAULT) << "read failing at " << at;
   }
   EXPECT_EQ(Load(f, Frame("")), E_FAIL) << "length 0";
   EXPECT_EQ(Load(f, Frame("this is not XML at all")), E_FAIL);
@@ -268,19 +246,6 @@ TEST(SavedState, MalformedElementsLoadAsDefaultsAndTheLoadGoesOn) {
   f.GetDeviceSummary(name, 260, port, 260, &rechannel);
   EXPECT_EQ(std::wstring(name), L"Generic Device");
 
-  // A sysex block of 16 MB in one event.
-  Bytes big(16 << 20, 0x11);
-  big.front() = 0xF0;
-  big.back() = 0xF7;
-  CStoredEvent event;
-  event.SetSysex(big);
-  rig.instance->InsertEvent(0, &event);
-  const Bytes saved = Save(f);
-  ConnectedRig other;
-  ASSERT_EQ(Load(other.instance.filter(), saved), S_OK);
-  CStoredEvent* loaded = nullptr;
-  ASSERT_EQ(other.instance->GetEvent(0, &loaded), S_OK);
-  EXPECT_TRUE(loaded->SysexView().size() == big.size() && loaded->GetSysex() == big);
 }
 
 TEST(SavedState, MissingPortsWarnAndAnUnknownIdLeavesThePortAlone) {
@@ -379,21 +344,6 @@ TEST(SavedState, OnlySaveChangesTheDirtyFlagAndAFailedWriteIsTheAnswer) {
   CLSID id{};
   EXPECT_EQ(f.GetClassID(&id), S_OK);
   EXPECT_EQ(id, CLSID_TarnFilter);
-}
-
-TEST(SavedState, InstancesLoadOnTwoThreadsWhileAThirdSaves) {
-  ConnectedRig source, first, second;
-  Populate(source);
-  const Bytes state = Save(source.instance.filter());
-  auto loadMany = [&state](ConnectedRig& rig) {
-    for (int i = 0; i < 40; ++i) EXPECT_EQ(Load(rig.instance.filter(), state), S_OK);
-  };
-  std::thread a(loadMany, std::ref(first));
-  std::thread b(loadMany, std::ref(second));
-  for (int i = 0; i < 40; ++i) EXPECT_FALSE(Save(source.instance.filter()).empty());
-  a.join();
-  b.join();
-  EXPECT_EQ(Text(first.instance.filter()), Text(second.instance.filter()));
 }
 
 }  // namespace

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "documents/xml.h"
+#include "tests/support/temp_folder.h"
 
 namespace {
 
@@ -25,10 +26,6 @@ std::string Compact(const TiXmlNode& node) {
   std::string text;
   text << node;
   return text;
-}
-
-std::filesystem::path TempFile(const char* name) {
-  return std::filesystem::temp_directory_path() / name;
 }
 
 constexpr const char* kSmall =
@@ -135,7 +132,8 @@ TEST(XmlBuild, AttributesReplaceInPlaceAndCloneKeepsUserData) {
 }
 
 TEST(XmlFiles, SaveAndLoadRoundTripAndEmptyFileIsFalseWithoutError) {
-  const std::filesystem::path path = TempFile("tarn_xml_round_trip.xml");
+  const TempFolder folder;
+  const std::filesystem::path path = folder.Path() / "round_trip.xml";
   TiXmlDocument doc;
   // Mixed content and unknown tags do not survive the pretty form, by design.
   doc.Parse("<?xml version=\"1.0\"?><!--c--><Root a=\"1\" q='say \"hi\"'><Leaf>t&amp;x</Leaf>"
@@ -150,7 +148,6 @@ TEST(XmlFiles, SaveAndLoadRoundTripAndEmptyFileIsFalseWithoutError) {
   EXPECT_FALSE(loaded.LoadFile());
   EXPECT_FALSE(loaded.Error());
   EXPECT_TRUE(loaded.NoChildren());
-  std::filesystem::remove(path);
 }
 
 TEST(XmlStream, ReadsUpToTheEndOfTheFirstElementAndParsesIt) {

@@ -290,33 +290,6 @@ TEST_F(EventList, OkInTheHexDialogMakesTheBytesTheEventAndRefillsTheList) {
   EXPECT_EQ(view().Rows()[0].texts.info, L"4 bytes");
 }
 
-TEST_F(EventList, CancelInTheHexDialogLeavesTheEventAsItWas) {
-  CStoredEvent note;
-  note.SetMessages({ShortMessage::FromBytes(0x90, 60, 100)});
-  Open({note});
-  rig->views.dialogs.NextHexEdit({{}, {[](HexEditDialogRecorder&, IHexEditDialogEvents& events) {
-                                    events.OnCancel();
-                                  }}});
-  view().DoubleClick(0);
-  EXPECT_EQ(EventAt(filter(), 0).MessagesView(),
-            (ShortMessageList{ShortMessage::FromBytes(0x90, 60, 100)}));
-}
-
-TEST_F(EventList, AnEmptyEventOpensWithOneZeroByteAndOkKeepsItEmpty) {
-  Open({CStoredEvent()});
-  Bytes opened;
-  rig->views.dialogs.NextHexEdit(
-      {{},
-       {[&](HexEditDialogRecorder& view, IHexEditDialogEvents& events) {
-         opened.assign(view.Grid().Bytes().begin(), view.Grid().Bytes().end());
-         events.OnOk();
-       }}});
-  view().DoubleClick(0);
-  EXPECT_EQ(opened, Bytes{0x00});
-  EXPECT_TRUE(EventAt(filter(), 0).IsEmpty());
-  EXPECT_EQ(view().Rows()[0].texts.info, L"No Data");
-}
-
 TEST_F(EventList, AWaitEditedInItsDialogIsShownInItsRow) {
   Open({CStoredEvent::MakeNew(NewEventKind::Wait)});
   rig->views.dialogs.NextWait({[](WaitDialogRecorder& view, IModalEvents& events) {

@@ -57,17 +57,12 @@ TEST(HexGrid, EditsTheArrayInPlaceAndMarksItModified) {
   EXPECT_EQ(observer.changes, 5);
 }
 
-TEST(HexEditDialog, StartsWithACopyInSixteenBareCellsOkHandsBackEverythingAndResetEmpties) {
+TEST(HexEditDialog, StartsWithACopyOkHandsBackEverythingAndResetEmpties) {
   ViewFactoryRecorder views;
   Bytes event{0xF0, 0x41, 0xF7};
   std::wstring name = L"Reset", description = L"GS reset";
   views.dialogs.NextHexEdit({{}, {[&](HexEditDialogRecorder& view, IHexEditDialogEvents& events) {
                              CHexGrid& grid = view.Grid();
-                             EXPECT_EQ(grid.Columns(), 16);
-                             EXPECT_EQ(grid.DataDigits(), 2);
-                             EXPECT_EQ(grid.AddressDigits(), 8);
-                             EXPECT_FALSE(grid.ShowAddress());
-                             EXPECT_FALSE(grid.ShowText());
                              EXPECT_EQ(view.name, L"Reset");
                              EXPECT_EQ(view.description, L"GS reset");
                              grid.Overwrite(1, 0x43);
@@ -243,16 +238,13 @@ TEST(HexEditDialog, WithNoViewsItAnswersCancelAtOnce) {
   EXPECT_TRUE(boxes.Boxes().empty());
 }
 
-TEST(PrefixEditor, EditsACopyWithTheSameGridAndCancelAsksTheSameQuestion) {
+TEST(PrefixEditor, EditsACopyAndCancelAsksTheSameQuestion) {
   MessageBoxRecorder boxes;
   ViewFactoryRecorder views;
   Bytes prefix{0xF0, 0x41, 0x10};
   auto change = [](PrefixEditorRecorder& view, IByteDialogEvents&) {
     CHexGrid& grid = view.Grid();
-    EXPECT_EQ(grid.Columns(), 16);
     EXPECT_EQ(grid.AddressDigits(), 4) << "address mode 0 with a small array";
-    EXPECT_FALSE(grid.ShowAddress());
-    EXPECT_FALSE(grid.ShowText());
     grid.Erase(grid.Size() - 1, 1);
   };
   auto press = [](void (IByteDialogEvents::*button)()) {

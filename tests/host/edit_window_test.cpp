@@ -5,8 +5,6 @@
 // the window saves what changed since.
 #include "host/window/edit_window.h"
 
-#include <QtCore/QElapsedTimer>
-#include <QtCore/QTimer>
 #include <QtGui/QAction>
 #include <QtGui/QImage>
 #include <QtTest/QTest>
@@ -25,6 +23,7 @@
 #include "host/window/edit_session.h"
 #include "platform/codepage.h"
 #include "tests/support/temp_folder.h"
+#include "tests/ui/user.h"
 
 namespace {
 
@@ -33,44 +32,17 @@ constexpr int kPortButton = 1022, kAddButton = 1011, kSendAllButton = 1013, kPor
 constexpr int kChannelButton = 1023;
 constexpr int kOkButton = 1, kControllerValueBox = 1032;
 
-bool WaitFor(const std::function<bool()>& done, int ms = 5000) {
-  QElapsedTimer clock;
-  clock.start();
-  while (!done()) {
-    if (clock.elapsed() > ms) return false;
-    QTest::qWait(10);
-  }
-  return true;
-}
-
-// Runs `act` on the next popup menu or modal dialog, while the code that opened it waits.
-void OnNext(bool menu, std::function<void(QWidget&)> act) {
-  QWidget* before = menu ? QApplication::activePopupWidget() : QApplication::activeModalWidget();
-  auto* poll = new QTimer(qApp);
-  QObject::connect(poll, &QTimer::timeout, poll, [=] {
-    QWidget* now = menu ? QApplication::activePopupWidget() : QApplication::activeModalWidget();
-    if (!now || now == before || !now->isVisible()) return;
-    poll->stop();
-    poll->deleteLater();
-    act(*now);
-  });
-  poll->start(10);
-}
-
-void ChooseItem(QWidget& popup, const QString& text) {
-  auto* menu = qobject_cast<QMenu*>(&popup);
-  for (QAction* action : menu ? menu->actions() : QList<QAction*>())
-    if (action->text() == text)
-      return QTest::mouseClick(menu, Qt::LeftButton, {}, menu->actionGeometry(action).center());
-  popup.close();
-}
-
 QWidget* Control(CEditWindow& window, int id) {
   return window.PageHost().findChild<QWidget*>(QString::number(id));
 }
 
 void Click(QWidget* widget) {
-  if (widget) QTest::mouseClick(widget, Qt::LeftButton, {}, widget->rect().center());
+  if (widget) user::Click(*widget);
+}
+
+// Chooses `text` from the next popup menu.
+void OnNextMenuChoose(const QString& text) {
+  user::OnNextMenu([text](QMenu& menu) { user::Choose(menu, {text}); });
 }
 
 // Whether the output meter shows any lit (green) segment.
@@ -79,12 +51,6 @@ bool MeterLit(CEditWindow& window) {
   if (!meter) return false;
   const QImage strip = meter->grab().toImage();
   return strip.pixelColor(2, 5).green() > 150;
-}
-
-void SaveScreen(QWidget& widget, const QString& name) {
-  const QDir shots(QStringLiteral(TARN_SCREENSHOTS "/%1").arg(QGuiApplication::platformName()));
-  shots.mkpath(QStringLiteral("."));
-  widget.grab().save(shots.filePath(name + QStringLiteral(".png")));
 }
 
 std::uint32_t EventCount(LiveInstance& instance) {
@@ -146,7 +112,7 @@ void EditWindowTest::listsTheInstancesAndShowsTheChosenOnesPage() {
   window.InstanceList().setCurrentRow(1);
   QVERIFY(window.Page());
   QCOMPARE(window.PageHost().findChildren<QWidget*>(QStringLiteral("tarn-page")).size(), 1);
-  SaveScreen(window, QStringLiteral("host-edit-window"));
+  user::SaveScreen(window, QStringLiteral("host-edit-window"));
 }
 
 void EditWindowTest::sendAllReachesThePortAndClosingSavesTheChange() {
@@ -157,10 +123,10 @@ void EditWindowTest::sendAllReachesThePortAndClosingSavesTheChange() {
     CEditWindow window(*session);
     window.show();
     QVERIFY(window.ShowInstance(0));
-    OnNext(true, [](QWidget& menu) { ChooseItem(menu, QStringLiteral("Virtual Out 1")); });
+    OnNextMenuChoose(QStringLiteral("Virtual Out 1"));
     Click(Control(window, kPortButton));
-    OnNext(true, [](QWidget& menu) { ChooseItem(menu, QStringLiteral("Controller")); });
-    OnNext(false, [](QWidget& dialog) {
+    OnNextMenuChoose(QStringLiteral("Controller"));
+    user::OnNextDialog([](QDialog& dialog) {
       if (auto* value = dialog.findChild<QLineEdit*>(QString::number(kControllerValueBox))) {
         value->selectAll();
         QTest::keyClicks(value, QStringLiteral("100"));
@@ -171,18 +137,18 @@ void EditWindowTest::sendAllReachesThePortAndClosingSavesTheChange() {
     QCOMPARE(EventCount(session->Instances()[0]), 1u);
     Click(Control(window, kSendAllButton));
     QVERIFY2(
-        WaitFor([&] {
+        user::WaitFor([&] {
           window.PollMonitor();
           return window.Monitor().toPlainText().contains(QLatin1String("Virtual Out 1  B0 00 64"));
         }),
         qPrintable(window.Monitor().toPlainText()));
-    QVERIFY2(WaitFor([&] { return MeterLit(window); }), "the output meter lights");
-    SaveScreen(window, QStringLiteral("host-edit-window-sending"));
+    QVERIFY2(user::WaitFor([&] { return MeterLit(window); }), "the output meter lights");
+    user::SaveScreen(window, QStringLiteral("host-edit-window-sending"));
     QVERIFY(session->Changed());
     for (QAction* action : window.findChildren<QAction*>())
       if (action->text() == QLatin1String("&Save")) action->trigger();
     QVERIFY2(!session->Changed(), "File > Save wrote the rack");
-    OnNext(true, [](QWidget& menu) { ChooseItem(menu, QStringLiteral("16")); });
+    OnNextMenuChoose(QStringLiteral("16"));
     Click(Control(window, kChannelButton));
     QVERIFY(session->Changed());
     window.close();

@@ -3,15 +3,14 @@
 // written or refused with the reason.
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <thread>
 
 #include "host/context/host_context.h"
 #include "host/midi/message_ring.h"
 #include "host/midi/virtual_midi_ports.h"
 #include "host/rack/rack_file.h"
+#include "tests/support/temp_folder.h"
 
 namespace {
 
@@ -46,12 +45,7 @@ TEST_F(HostContextTest, TempoMapAndConverterAgreeAtTheRunsTempoAndRate) {
   EXPECT_EQ(m_context->ConvertTime(nullptr, HostTimeValue::kTicks), E_POINTER);
 }
 
-TEST_F(HostContextTest, AnswersEveryHostInterfaceAndPassesPortsThrough) {
-  for (const IID& iid : {IID_IHostTempoMap, IID_IHostTimeConverter, IID_IHostPinObserver,
-                         IID_IHostMidiPorts, IID_IHostMidiPorts2}) {
-    ComPtr<IUnknown> face;
-    EXPECT_EQ(m_context->QueryInterface(iid, reinterpret_cast<void**>(face.Receive())), S_OK);
-  }
+TEST_F(HostContextTest, PassesPortsAndSinkRecordsThrough) {
   wchar_t name[kPortNameCapacity];
   ASSERT_EQ(m_context->GetOutputPortName(1, name, kPortNameCapacity), S_OK);
   EXPECT_STREQ(name, L"Virtual Out 2");
@@ -159,16 +153,9 @@ TEST_F(HostContextTest, TheSinkCountsEverythingAndKeepsOnlyTheLatest) {
 
 class RackFileTest : public ::testing::Test {
  protected:
-  RackFileTest() {
-    std::string pattern = (fs::temp_directory_path() / "tarn-rack-XXXXXX").string();
-    if (mkdtemp(pattern.data())) m_folder = pattern;
-  }
-  ~RackFileTest() override { fs::remove_all(m_folder); }
-  fs::path Write(const std::string& text) {
-    std::ofstream(m_folder / "rack.json") << text;
-    return m_folder / "rack.json";
-  }
-  fs::path m_folder;
+  fs::path Write(const std::string& text) { return m_folder.Write("rack.json", text); }
+  fs::path RackPath() const { return m_folder.Path() / "rack.json"; }
+  TempFolder m_folder;
 };
 
 TEST_F(RackFileTest, SavedRackReadsBackWithEverySettingAndStateByte) {
@@ -179,8 +166,8 @@ TEST_F(RackFileTest, SavedRackReadsBackWithEverySettingAndStateByte) {
   rack.instances = {{"Lead \"one\"", "{D8DF3849-A01D-4254-A57D-5515BF9E3886}", bytes, {}, {}, {}},
                     {"Empty", "{D8DF3849-A01D-4254-A57D-5515BF9E3886}", {}, {}, {}, {}}};
   std::string error;
-  ASSERT_TRUE(SaveRackFile(m_folder / "rack.json", rack, error)) << error;
-  const auto loaded = LoadRackFile(m_folder / "rack.json", error);
+  ASSERT_TRUE(SaveRackFile(RackPath(), rack, error)) << error;
+  const auto loaded = LoadRackFile(RackPath(), error);
   ASSERT_TRUE(loaded) << error;
   EXPECT_EQ(loaded->settings.sampleRate, 44100);
   EXPECT_EQ(loaded->settings.bufferFrames, 256);
@@ -190,7 +177,7 @@ TEST_F(RackFileTest, SavedRackReadsBackWithEverySettingAndStateByte) {
   EXPECT_EQ(loaded->instances[0].name, "Lead \"one\"");
   EXPECT_EQ(loaded->instances[0].state, bytes);
   EXPECT_TRUE(loaded->instances[1].state.empty());
-  EXPECT_FALSE(fs::exists(m_folder / "rack.json.saving"));
+  EXPECT_FALSE(fs::exists(m_folder.Path() / "rack.json.saving"));
 }
 
 TEST_F(RackFileTest, SettingsOutOfRangeOrOfTheWrongTypeRefuseTheFile) {
@@ -209,7 +196,7 @@ TEST_F(RackFileTest, SettingsOutOfRangeOrOfTheWrongTypeRefuseTheFile) {
     std::string error;
     EXPECT_FALSE(LoadRackFile(Write(head + settings + "}"), error));
     EXPECT_NE(error.find(why), std::string::npos) << error;
-    EXPECT_EQ(error.rfind("rack file " + (m_folder / "rack.json").string() + " is not valid: ", 0),
+    EXPECT_EQ(error.rfind("rack file " + RackPath().string() + " is not valid: ", 0),
               0u);
   }
 }

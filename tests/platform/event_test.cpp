@@ -29,17 +29,6 @@ TEST(WaitForEither, FirstWinsWhenBothAreSetAndSecondStaysSet) {
   EXPECT_EQ(WaitForEither(stop, wake, 0), -1);
 }
 
-TEST(WaitForEither, WakesForASetFromAnotherThread) {
-  CAutoResetEvent stop, wake;
-  std::atomic<int> seen{-2};
-  CThread waiter;
-  waiter.Start([&] { seen = WaitForEither(stop, wake); }, ThreadPriority::Highest);
-  std::this_thread::sleep_for(std::chrono::milliseconds(5));
-  wake.Set();
-  waiter.Join();
-  EXPECT_EQ(seen.load(), 1);
-}
-
 TEST(WaitForEither, NoWakeIsLostUnderRepeatedHandOffs) {
   CAutoResetEvent stop, wake, ack;
   constexpr int kRounds = 2000;

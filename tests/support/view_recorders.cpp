@@ -37,10 +37,6 @@ void PageViewRecorder::DrawMeter(PageMeter meter, int litPixels) {
   ++m_meterDraws;
 }
 
-void PageViewRecorder::SetColumns(std::span<const EventListColumn> columns) {
-  m_columns.assign(columns.begin(), columns.end());
-}
-
 void PageViewRecorder::DeleteAllRows() {
   m_rows.clear();
   m_selected.clear();
@@ -136,12 +132,6 @@ void PageViewRecorder::Click(std::uint32_t control) {
   button.OnLButtonDown(0, 0);
   button.OnLButtonUp(true);
   button.OnMouseLeave();
-}
-
-void PageViewRecorder::ClickCheck(std::uint32_t control) {
-  if (!Enabled(control)) return;
-  m_checks[control] = !IsChecked(control);
-  if (m_events) m_events->OnCommand(control);
 }
 
 void PageViewRecorder::PressAt(int x, int y) {

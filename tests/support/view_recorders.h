@@ -54,7 +54,7 @@ class PageViewRecorder final : public IPageView, public IEventListView, private 
   IEventListView& EventList() override { return *this; }
 
   // --- IEventListView ---
-  void SetColumns(std::span<const EventListColumn> columns) override;
+  void SetColumns(std::span<const EventListColumn>) override {}
   void DeleteAllRows() override;
   void InsertRow(int row, bool checked, const EventRowTexts& texts) override;
   void DeleteRow(int row) override;
@@ -82,15 +82,12 @@ class PageViewRecorder final : public IPageView, public IEventListView, private 
   std::optional<int> MeterLit(PageMeter meter) const;
   int MeterDraws() const noexcept { return m_meterDraws; }
   const std::vector<Row>& Rows() const noexcept { return m_rows; }
-  std::vector<EventListColumn> Columns() const { return m_columns; }
   std::set<int> DropHighlights() const { return m_dropHighlights; }
   bool Dragging() const noexcept { return m_dragRow.has_value(); }
 
   // --- what the user does ---
   // Presses and releases the button over it: a click, or the choice from its menu.
   void Click(std::uint32_t control);
-  // Clicks the check box: it toggles and the page hears of it.
-  void ClickCheck(std::uint32_t control);
   // A left press on the page's surface, in skin pixels.
   void PressAt(int x, int y);
   void Paint();
@@ -122,7 +119,6 @@ class PageViewRecorder final : public IPageView, public IEventListView, private 
   std::map<std::uint32_t, std::unique_ptr<CDspButton>> m_buttons;
   std::map<PageMeter, int> m_meters;
   int m_meterDraws = 0;
-  std::vector<EventListColumn> m_columns;
   std::vector<Row> m_rows;
   std::set<int> m_selected;
   std::set<int> m_dropHighlights;

@@ -5,17 +5,9 @@
 #include <QtCore/QTimer>
 #include <QtGui/QAction>
 #include <QtTest/QTest>
-#include <QtWidgets/QAbstractButton>
-#include <QtWidgets/QAbstractScrollArea>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QDialog>
-#include <QtWidgets/QLabel>
-#include <QtWidgets/QLineEdit>
 #include <QtWidgets/QMenu>
-#include <QtWidgets/QProgressBar>
-
-#include "ui/meter_widget.h"
-#include "ui/skin_button.h"
 
 namespace user {
 
@@ -46,34 +38,6 @@ std::shared_ptr<bool> OnNext(std::function<QWidget*()> find, std::function<void(
 }
 
 QString Plain(QString text) { return text.remove(QLatin1Char('&')); }
-
-// Controls are what a user sees as one thing; the parts inside them are theirs.
-bool IsControl(const QWidget& widget) {
-  return qobject_cast<const QAbstractButton*>(&widget) || qobject_cast<const QLabel*>(&widget) ||
-         qobject_cast<const QLineEdit*>(&widget) ||
-         qobject_cast<const QAbstractScrollArea*>(&widget) ||
-         qobject_cast<const QProgressBar*>(&widget) || dynamic_cast<const CSkinButton*>(&widget) ||
-         dynamic_cast<const CMeterWidget*>(&widget);
-}
-
-void CollectControls(QWidget& parent, QList<QWidget*>& controls) {
-  for (QWidget* child : parent.findChildren<QWidget*>(Qt::FindDirectChildrenOnly)) {
-    if (!child->isVisible() || child->isWindow()) continue;
-    if (IsControl(*child))
-      controls.append(child);
-    else
-      CollectControls(*child, controls);
-  }
-}
-
-QString Name(const QWidget& widget) {
-  const QString id = widget.objectName();
-  QString text;
-  if (auto* label = qobject_cast<const QLabel*>(&widget)) text = label->text().left(24);
-  if (auto* button = qobject_cast<const QAbstractButton*>(&widget)) text = button->text();
-  return QStringLiteral("%1 %2 \"%3\"")
-      .arg(QString::fromLatin1(widget.metaObject()->className()), id, text);
-}
 
 }  // namespace
 
@@ -133,29 +97,6 @@ void SaveScreen(QWidget& widget, const QString& name) {
   const QDir folder(QStringLiteral(TARN_SCREENSHOTS "/%1").arg(QGuiApplication::platformName()));
   folder.mkpath(QStringLiteral("."));
   widget.grab().save(folder.filePath(name + QStringLiteral(".png")));
-}
-
-QStringList LayoutFaults(QWidget& window) {
-  QList<QWidget*> controls;
-  CollectControls(window, controls);
-  QStringList faults;
-  QList<QRect> places;
-  for (QWidget* control : controls) {
-    const QRect place(control->mapTo(&window, QPoint(0, 0)), control->size());
-    if (!window.rect().contains(place))
-      faults.append(QStringLiteral("%1 at %2,%3 %4x%5 stands outside the window")
-                        .arg(Name(*control))
-                        .arg(place.x())
-                        .arg(place.y())
-                        .arg(place.width())
-                        .arg(place.height()));
-    places.append(place);
-  }
-  for (qsizetype i = 0; i < controls.size(); ++i)
-    for (qsizetype j = i + 1; j < controls.size(); ++j)
-      if (places[i].intersects(places[j]))
-        faults.append(QStringLiteral("%1 overlaps %2").arg(Name(*controls[i]), Name(*controls[j])));
-  return faults;
 }
 
 }  // namespace user

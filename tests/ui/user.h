@@ -40,7 +40,7 @@ Widget* Find(QWidget& root, int id) {
 void SaveScreen(QWidget& widget, const QString& name);
 // What a user sees wrong in `window`'s layout: each control (button, label, box, list, bar,
 // meter) that is shown but does not stand wholly inside the window, and each pair that
-// overlaps; empty when there is nothing.
+// overlaps; empty when there is nothing. In layout_faults.cpp, which needs the editor's widgets.
 QStringList LayoutFaults(QWidget& window);
 
 }  // namespace user
