@@ -88,9 +88,9 @@ int RunWithRatios(int argc, char** argv, const std::vector<RatioRow>& rows) {
     double floor = 0;
     if (!row.floorCounter.empty() && Read(*ours, row.floorCounter, &floor) && floor > 0) {
       if (row.difference)
-        std::printf("; the specified steps alone %.1f", floor - b);
+        std::printf("; the required steps alone %.1f", floor - b);
       else
-        std::printf("; the specified steps alone %.2fx", row.speed ? b / floor : floor / b);
+        std::printf("; the required steps alone %.2fx", row.speed ? b / floor : floor / b);
     }
     const std::string& baselineAlso =
         row.baselineAlsoShow.empty() ? row.alsoShow : row.baselineAlsoShow;

@@ -21,7 +21,7 @@ struct RatioRow {
   std::string baselineAlsoShow{};
   // Compares ours minus the baseline, a fixed cost, which must stay at or under the target.
   bool difference = false;
-  // A counter of our run holding the fastest form that the specified steps allow, measured
+  // A counter of our run holding the fastest form that the required steps allow, measured
   // beside ours: printed against the same baseline, to show how much of a gap they leave.
   std::string floorCounter{};
 };
