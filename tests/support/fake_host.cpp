@@ -362,13 +362,17 @@ void FakeMidiPorts::DeliverLoop() {
 // --- sink ------------------------------------------------------------------------------------
 
 HRESULT FakeInputSink::OnSinkEvent(IMfxInputPort* sender, const HostEventRecord* record) {
+  HRESULT answer;
   {
+    // The answer is fixed before the record shows, so a test that changes Fail after seeing
+    // a record never changes that record's answer.
     std::lock_guard lock(m_mutex);
+    answer = m_fail ? E_FAIL : S_OK;
     m_records.push_back(*record);
     m_senders.push_back(sender);
   }
   m_cv.notify_all();
-  return m_fail ? E_FAIL : S_OK;
+  return answer;
 }
 
 std::vector<HostEventRecord> FakeInputSink::Records() const {
